@@ -1,0 +1,34 @@
+# What every target of our own shares: warnings, sanitizers, output folders.
+
+find_package(Threads REQUIRED)
+
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+	set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(tavora_options INTERFACE)
+# The platform's message codes are four-character constants.
+target_compile_options(tavora_options INTERFACE -Wall -Wextra -Wnon-virtual-dtor -Wno-multichar -Werror)
+# Without unique symbols an add-on can really be unloaded.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+	target_compile_options(tavora_options INTERFACE -fno-gnu-unique)
+endif()
+target_link_libraries(tavora_options INTERFACE Threads::Threads)
+
+if(TAVORA_SANITIZE STREQUAL "address")
+	add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+	add_link_options(-fsanitize=address,undefined)
+elseif(TAVORA_SANITIZE STREQUAL "thread")
+	add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+	add_link_options(-fsanitize=thread)
+elseif(NOT TAVORA_SANITIZE STREQUAL "")
+	message(FATAL_ERROR "TAVORA_SANITIZE is '${TAVORA_SANITIZE}', not empty, address or thread")
+endif()
+if(TAVORA_FUZZ)
+	add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer)
+	add_link_options(-fsanitize=address,undefined)
+endif()
