@@ -91,5 +91,3 @@ enum drawing_mode {
 enum source_alpha { B_PIXEL_ALPHA, B_CONSTANT_ALPHA };
 
 enum alpha_function { B_ALPHA_OVERLAY, B_ALPHA_COMPOSITE };
-
-enum orientation { B_HORIZONTAL, B_VERTICAL };
