@@ -1,25 +1,6 @@
 #pragma once
 
-#include <SupportDefs.h>
-
-enum alignment {
-	B_ALIGN_LEFT,
-	B_ALIGN_RIGHT,
-	B_ALIGN_CENTER,
-	B_ALIGN_HORIZONTAL_CENTER = B_ALIGN_CENTER,
-	B_ALIGN_HORIZONTAL_UNSET = -1,
-	B_ALIGN_USE_FULL_WIDTH = -2
-};
-
-enum vertical_alignment {
-	B_ALIGN_TOP = 0x10,
-	B_ALIGN_MIDDLE = 0x20,
-	B_ALIGN_VERTICAL_CENTER = B_ALIGN_MIDDLE,
-	B_ALIGN_BOTTOM = 0x30,
-	B_ALIGN_VERTICAL_UNSET = -1,
-	B_ALIGN_NO_VERTICAL = B_ALIGN_VERTICAL_UNSET,
-	B_ALIGN_USE_FULL_HEIGHT = -2
-};
+#include <InterfaceDefs.h>
 
 /*!	Where something lies in the room that it has. */
 class BAlignment {
