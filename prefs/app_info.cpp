@@ -1,0 +1,5 @@
+#include "prefs/app_info.h"
+
+const char* const gAppName = "Tavora Displayer";
+const char* const gAppSignature = "application/x-vnd.MERION-TavoraDisplayer";
+const char* const gAppVer = TAVORA_VERSION;
