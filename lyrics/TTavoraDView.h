@@ -1,0 +1,102 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <MessageRunner.h>
+
+#include "framework/TMERView.h"
+#include "host/Qubo_FrontEnd.h"
+#include "lyrics/TLineList.h"
+#include "lyrics/TTimeTable.h"
+
+class BBitmap;
+
+/*!	Shows the playing song's lyrics, with the line that belongs to the play time in the middle.
+	It asks the host for the play time at each interval of the preferences, loads the lyrics of a new song, and again when
+	their file changes on the disk. Text before a line's first "]" is not shown; each line has one time tag at most.
+	Others can ask for the current line and watch it (lyrics_codes.h).
+	Thread: its window's; with lyrics on the screen, a look that finds nothing new costs no file access.
+	Times: ms from the start of the song. */
+class TTavoraDView : public merion::TMERView {
+public:
+	explicit TTavoraDView(BRect frame);
+	~TTavoraDView() override;
+
+	void AttachedToWindow() override;
+	void DetachedFromWindow() override;
+	void MessageReceived(BMessage* message) override;
+	BHandler* ResolveSpecifier(BMessage* message, int32 index, BMessage* specifier, int32 form,
+		const char* property) override;
+	status_t GetSupportedSuites(BMessage* data) override;
+	void Draw(BRect updateRect) override;
+	void FrameResized(float newWidth, float newHeight) override;
+
+	//! The look at the host, at each tick.
+	void PollingQuboInfoRqtd();
+	//! The path of the current song's lyrics file (lyrics_fname()).
+	std::string LyricsFName() const;
+	//! The current line's text without its tag; empty when no lyrics are shown.
+	std::string CurrentLineText() const;
+	//! Of the shown lines, the one in the middle.
+	int32 CurrentLine() const { return fCurrentLine; }
+
+	// The preferences were changed.
+	void PrefAppearanceChanged();
+	void PrefDoubleBufferingChanged();
+
+private:
+	// The song and its lines
+	void StartFrontEnd();
+	void SongChanged();
+	void PrepareLyrics();
+	bool LoadLyrics();
+	void LoadPluginInfo();
+	bool CalcDispLyrics();
+	void TellWindowSong();
+	void CurrentLineChanged();
+	std::string_view DispLine(int32 index) const { return fDispLines[index]; }
+	int32 CountDispLines() const { return fDispLines.size(); }
+
+	// Their file
+	int32 LyricsModificationTime() const;
+	void SetLyricsNodeWatching();
+	void ClearLyricsNodeWatching();
+	void NodeMonitor();
+
+	// Scripting
+	bool PropertyRequested(BMessage* message);
+
+	// Drawing
+	void SetAppearance(bool toSelf, bool toOffScreen);
+	void SetAppearanceOfSpecifyView(BView* view, BFont* font);
+	void LoadBGImage();
+	void CreateOffScreen();
+	void DestroyOffScreen();
+	void PreRenderNextLine();
+	void DrawLyrics(BView* target, int32 line);
+	void DrawBackground(BView* target, BRect bounds);
+	void DrawLine(BView* target, BRect bounds, int32 index, float top, bool isCurrent);
+	void DrawHighlight(BView* target, BRect bounds, float top);
+	bool HasBGImage() const;
+
+	int32 fCurrentLine = 0;
+	TTimeTable fTimeTable;
+	TLineList fLyrics; // the text that the shown lines lie in
+	std::vector<std::string_view> fDispLines;
+	bool fShowsLyrics = false;   // not the information about the plug-in
+	int32 fModificationTime = 0; // s since 1970, 0: there is no lyrics file
+	std::unique_ptr<BMessageRunner> fRunner;
+	Qubo_FrontEnd fFrontEnd;
+	QuboSongEntry fSong; // all zero: none
+
+	float fFontHeight = 0; // ascent and descent, pixels
+	float fLinePitch = 1;  // from one line to the next
+	std::unique_ptr<BBitmap> fBGImage;
+	std::string fBGImageFile; // that fBGImage was loaded from
+	int32 fBGImageTime = 0;   // modification time of it then
+	std::unique_ptr<BBitmap> fOffScreen;
+	BView* fOSView = nullptr;    // fOffScreen's
+	int32 fPreRenderedLine = -1; // whose picture fOffScreen holds; -1: none
+};

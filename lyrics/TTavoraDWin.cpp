@@ -1,0 +1,215 @@
+#include "lyrics/TTavoraDWin.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <AppDefs.h>
+#include <Message.h>
+#include <Messenger.h>
+
+#include "framework/screen_utils.h"
+#include "host/qubo_window.h"
+#include "lyrics/TTavoraDView.h"
+#include "plugin/helpers/TCommMan.h"
+#include "plugin/helpers/TWMFilter.h"
+#include "plugin/helpers/commman_codes.h"
+#include "plugin/helpers/window_feel.h"
+#include "prefs/TExitState.h"
+
+namespace {
+
+constexpr float kMinWidth = 80;
+constexpr float kMinHeight = 24;
+constexpr float kMaxSize = 16384;
+constexpr size_t kMaxOwnMoves = 64;
+
+// A settings file may hold any numbers, and some that are none.
+BRect
+usable_frame(BRect frame)
+{
+	const BRect fallback(5, 24, 300, 100);
+	const auto isUsable = [](float number) { return std::fabs(number) <= kMaxSize; };
+	if (!isUsable(frame.left) || !isUsable(frame.top) || !isUsable(frame.right)
+		|| !isUsable(frame.bottom))
+		return fallback;
+	frame.right = frame.left + std::max(frame.Width(), kMinWidth);
+	frame.bottom = frame.top + std::max(frame.Height(), kMinHeight);
+	return frame;
+}
+
+} // namespace
+
+TTavoraDWin::TTavoraDWin(BRect frame, TCommMan* manager)
+	: TMERWin(usable_frame(frame), "Lyrics", B_TITLED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL,
+		B_AVOID_FRONT | B_ASYNCHRONOUS_CONTROLS),
+	  fManager(manager),
+	  fView(new TTavoraDView(Bounds()))
+{
+	SetSizeLimits(kMinWidth, kMaxSize, kMinHeight, kMaxSize);
+	AddChild(fView);
+	set_proper_feel(this);
+	if (gExitState->Version().empty() || !merion::is_on_screen(Frame(), merion::screen_frames()))
+		OpenBesideHost();
+	WatchHostWindow();
+	RememberFrame();
+}
+
+TTavoraDWin::~TTavoraDWin()
+{
+	LeaveHostWindow();
+}
+
+void
+TTavoraDWin::MessageReceived(BMessage* message)
+{
+	switch (message->what) {
+		case kHostWindowMoved:
+			HostWindowMoved();
+			break;
+		case kPrefStayOnTopChanged:
+			set_proper_feel(this);
+			break;
+		case kPrefAppearanceChanged:
+			fView->PrefAppearanceChanged();
+			break;
+		case kPrefDoubleBufferingChanged:
+			fView->PrefDoubleBufferingChanged();
+			break;
+		default:
+			TMERWin::MessageReceived(message);
+	}
+}
+
+void
+TTavoraDWin::Appear()
+{
+	if (!Lock())
+		return;
+	// The host's window may have come, or be another one, since the last time.
+	LeaveHostWindow();
+	WatchHostWindow();
+	Unlock();
+	TMERWin::Appear();
+}
+
+bool
+TTavoraDWin::QuitRequested()
+{
+	// The application asks by calling, the user's close button by a message.
+	const BMessage* message = CurrentMessage();
+	if (message == nullptr || message->what != B_QUIT_REQUESTED)
+		return true;
+	if (!IsHidden())
+		Hide();
+	return false;
+}
+
+void
+TTavoraDWin::SetSongTitle(std::string_view song)
+{
+	std::string title("Lyrics");
+	if (!song.empty())
+		title.append(" – ").append(song);
+	if (title != Title())
+		SetTitle(title.c_str());
+}
+
+void
+TTavoraDWin::OpenBesideHost()
+{
+	BRect host;
+	if (get_qubo_win_frame(&host) == 0)
+		PlaceBeside(host);
+	else
+		MoveTo(merion::keep_on_screen(Frame(), merion::screen_frames()));
+}
+
+void
+TTavoraDWin::WatchHostWindow()
+{
+	BWindow* host;
+	if (get_qubo_window(&host) != 0 || !host->Lock())
+		return;
+	fHostWindow = host;
+	fFilter = new TWMFilter(BMessenger(this));
+	host->AddFilter(fFilter);
+	host->Unlock();
+	if (!fHasOffset)
+		RememberOffset();
+}
+
+void
+TTavoraDWin::LeaveHostWindow()
+{
+	// A window that is gone has taken the filter with it; another one in its place does not know the filter.
+	if (fHostWindow != nullptr && fHostWindow->Lock()) {
+		if (fHostWindow->RemoveFilter(fFilter))
+			delete fFilter;
+		fHostWindow->Unlock();
+	}
+	fHostWindow = nullptr;
+	fFilter = nullptr;
+}
+
+void
+TTavoraDWin::HostWindowMoved()
+{
+	BRect host;
+	if (!fHasOffset || get_qubo_win_frame(&host) != 0)
+		return;
+	BRect frame = Frame();
+	frame.OffsetTo(host.LeftTop() + fOffset);
+	const BPoint place = merion::keep_on_screen(frame, merion::screen_frames());
+	if (place == Frame().LeftTop())
+		return;
+	if (fOwnMoves.size() == kMaxOwnMoves)
+		fOwnMoves.pop_front();
+	fOwnMoves.push_back(place);
+	MoveTo(place);
+	RememberFrame();
+}
+
+void
+TTavoraDWin::FrameMoved(BPoint newPosition)
+{
+	if (!IsOwnMove(newPosition)) {
+		fOwnMoves.clear();
+		RememberOffset();
+	}
+	RememberFrame();
+	TMERWin::FrameMoved(newPosition);
+}
+
+bool
+TTavoraDWin::IsOwnMove(BPoint position)
+{
+	// Of moves in quick succession only the last may be reported: those before it are done with too.
+	const auto found = std::find(fOwnMoves.begin(), fOwnMoves.end(), position);
+	if (found == fOwnMoves.end())
+		return false;
+	fOwnMoves.erase(fOwnMoves.begin(), found + 1);
+	return true;
+}
+
+void
+TTavoraDWin::FrameResized(float newWidth, float newHeight)
+{
+	RememberFrame();
+	TMERWin::FrameResized(newWidth, newHeight);
+}
+
+void
+TTavoraDWin::RememberOffset()
+{
+	BRect host;
+	if (get_qubo_win_frame(&host) != 0)
+		return;
+	fOffset = Frame().LeftTop() - host.LeftTop();
+	fHasOffset = true;
+}
+
+void
+TTavoraDWin::RememberFrame()
+{
+	gExitState->SetWindowFrame(Frame());
+}

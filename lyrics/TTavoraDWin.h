@@ -1,0 +1,53 @@
+#pragma once
+
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "framework/TMERWin.h"
+
+class TCommMan;
+class TTavoraDView;
+class TWMFilter;
+
+/*!	The window that shows the lyrics, beside the host's and following it: its distance from the host's window stays what
+	it was when the user last placed it.
+	Thread: its own; made and shown by the communication manager. It tells gExitState its frame at every change.
+	Owner: itself; the manager quits it. The close button only hides it. */
+class TTavoraDWin : public merion::TMERWin {
+public:
+	//! `frame`: where it was when the add-on last ran; on a first run, or off all screens, it opens beside the host's.
+	TTavoraDWin(BRect frame, TCommMan* manager);
+	~TTavoraDWin() override;
+
+	void MessageReceived(BMessage* message) override;
+	void FrameMoved(BPoint newPosition) override;
+	void FrameResized(float newWidth, float newHeight) override;
+	//! False, and the window hidden, when the user asks; true when the application does.
+	bool QuitRequested() override;
+	void Appear() override;
+
+	//! Where the window and its view send their requests; it outlives them.
+	TCommMan* Manager() const { return fManager; }
+	//! Names the playing song in the title; an empty one names none.
+	void SetSongTitle(std::string_view title);
+
+private:
+	void OpenBesideHost();
+	void WatchHostWindow();
+	void LeaveHostWindow();
+	void HostWindowMoved();
+	void RememberOffset();
+	void RememberFrame();
+	bool IsOwnMove(BPoint position);
+
+	TCommMan* const fManager;
+	TTavoraDView* fView; // the window deletes it
+
+	BWindow* fHostWindow = nullptr; // may be gone: only its Lock() tells
+	TWMFilter* fFilter = nullptr;   // belongs to the host's window
+	BPoint fOffset;                 // from the host's window to this one, as the user wants it
+	bool fHasOffset = false;
+	std::deque<BPoint>
+		fOwnMoves; // places that following has asked for and FrameMoved() has not reported
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <SupportDefs.h>
+
+/*!	The messages of the lyrics window and its view. */
+
+// code                                 from -> to                                fields                         reply
+constexpr uint32 kPollingQuboInfo
+	= 'pcir'; // the view's message runner -> view  none                           none
+
+/*!	What others may watch the view for (BHandler::StartWatching()): another line has become the current one, or its text
+	has changed. The notice, a B_OBSERVER_NOTICE_CHANGE, holds "CurrentLine" (string, UTF-8, without its tag; empty when no
+	lyrics are shown) and "Index" (int32, from 0). */
+constexpr uint32 kCurrentLineChanged = 'CLch';
+
+//! The property of the view that scripts may get: a string, as in the notice.
+constexpr const char* kCurrentLineProperty = "CurrentLine";
