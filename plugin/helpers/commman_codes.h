@@ -1,0 +1,40 @@
+#pragma once
+
+#include <SupportDefs.h>
+
+/*!	The messages of the communication manager. No code has a reply. "Preferences" means all fields of TPref::Archive(),
+	which the manager adds before it forwards a notice to the editor's manager. */
+
+// code                                    from -> to                                  fields
+constexpr uint32 kOpenMainWindow = 'Somr';        // plug-in object -> manager           none
+constexpr uint32 kCloseMainWindow = 'Scmr';       // plug-in object -> manager           none
+constexpr uint32 kPreparePrefWindow = 'Sppr';     // plug-in object -> manager           none
+constexpr uint32 kClosePrefWindow = 'Scpr';       // plug-in object -> manager           none
+constexpr uint32 kPrepareAboutWindow = 'Spar';    // plug-in object -> manager           none
+constexpr uint32 kCloseAboutWindow = 'Scar';      // plug-in object -> manager           none
+constexpr uint32 kCloseCommonPrefWindow = 'Scsr'; // plug-in object -> manager         none
+
+// A manager greets the other when it finds it.
+constexpr uint32 kCommManConnected
+	= 'Scmc'; // manager -> editor's manager, and back  "CSCommMan" (pointer to the sender)
+
+// A preference has changed: preferences window -> manager -> display window and, with the preferences, editor's manager.
+constexpr uint32 kPrefStayOnTopChanged = 'Spsc';       // none
+constexpr uint32 kPrefAppearanceChanged = 'Spac';      // none
+constexpr uint32 kPrefDoubleBufferingChanged = 'pdbc'; // none
+
+// Changed outside of the preferences window: display window -> manager -> preferences window and editor's manager.
+constexpr uint32 kStayOnTopItemChanged = 'Ssic'; // none
+constexpr uint32 kBGImageItemChanged = 'piic';   // none
+
+// Of interest to the editor only: preferences window -> manager -> editor's manager.
+constexpr uint32 kPrefEditCancelled = 'Sedr';         // none
+constexpr uint32 kPrefWriteEncodingChanged = 'Spec';  // none
+constexpr uint32 kPrefReadEncodingChanged = 'Sprc';   // none
+constexpr uint32 kPrefWriteCRTypeChanged = 'Spcc';    // none
+constexpr uint32 kPrefTimeDifferenceChanged = 'Sptc'; // none
+constexpr uint32 kPrefShowToolBarChanged = 'Splc';    // none
+constexpr uint32 kSetStatusBarText = 'Sssr';          // "StatBarStr" (string)
+
+// The host's window has moved.
+constexpr uint32 kHostWindowMoved = 'Scwm'; // TWMFilter -> display window             none
