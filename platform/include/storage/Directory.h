@@ -48,10 +48,13 @@ public:
 	BDirectory& operator=(const BDirectory& dir);
 
 private:
-	status_t _Open(int dirFd, const char* path);
-	const char* _NextName();
+	friend class BEntry;
 
-	void* fStream; // of readdir(), made when first needed
+	status_t _Open(int dirFd, const char* path);
+	status_t _NextName(const char** name);
+	void _CloseStream();
+
+	void* fStream; // of readdir(), made when it is first needed
 };
 
 /*!	Makes the folder and all that is missing before it; B_OK when it is there already.

@@ -80,10 +80,12 @@ private:
 	friend class BFile;
 	friend class BNode;
 
-	virtual status_t _NodePath(char* buffer, size_t size) const;
-	status_t _SetTo(int dirFd, const char* path, bool traverse);
-	status_t _Set(int dirFd, const char* name); // takes the descriptor
-	status_t _SetToFolder(int fd);
+	virtual status_t _NodePath(std::string& path) const;
+	status_t _SetTo(int dirFd, std::string path, bool traverse);
+	status_t _Set(int dirFd, const std::string& name); // takes the descriptor
+	status_t _SetToFolder(int fd);                     // takes the descriptor
+	status_t _Fail(status_t status);
+	void _CopyFrom(const BEntry& entry);
 	status_t _MoveTo(int dirFd, const char* path, bool clobber);
 
 	int fDirFd;

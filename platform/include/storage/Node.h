@@ -52,10 +52,10 @@ private:
 	friend class BEntry;
 	friend class BFile;
 
-	virtual status_t _NodePath(char* buffer, size_t size) const;
-	status_t _SetFd(int fd); // takes the descriptor, or an error number negated
+	virtual status_t _NodePath(std::string& path) const;
+	status_t _SetFd(int fd); // takes the descriptor, or an errno negated
 	status_t _Fail(status_t status);
-	status_t _CopyFrom(const BNode& node);
+	void _CopyFrom(const BNode& node);
 
 	int fFd;
 	status_t fCStatus;

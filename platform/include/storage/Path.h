@@ -8,7 +8,7 @@ class BDirectory;
 class BEntry;
 struct entry_ref;
 
-/*!	An absolute path. A path that is relative, or holds "." or "..", doubled slashes, is
+/*!	An absolute path. A path that is relative, or holds ".", "..", a doubled or a last slash, is
 	normalized: made absolute, with symbolic links before the last component followed; that needs
 	its folder to exist (B_ENTRY_NOT_FOUND). Other paths are taken as they are unless asked for. */
 class BPath {

@@ -4,7 +4,8 @@
 
 namespace BPrivate {
 class ResourceContainer;
-}
+struct ResourceItem;
+} // namespace BPrivate
 
 /*!	The resources of a file: pieces of data, each with a type, an id (unique in its type) and a name.
 	The file is a resource file (an empty one becomes it) or an ELF file. In that they follow its
@@ -67,6 +68,10 @@ public:
 
 private:
 	status_t _SetTo(const BFile& file, bool clobber);
+	const void* _Load(BPrivate::ResourceItem* item, size_t* size);
+	bool _GetInfo(const BPrivate::ResourceItem* item, type_code* type, int32* id, const char** name,
+		size_t* length) const;
+	status_t _Remove(const BPrivate::ResourceItem* item);
 
 	BFile fFile;
 	BPrivate::ResourceContainer* fContainer;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include <StorageDefs.h>
 
 struct node_ref;
@@ -29,6 +31,6 @@ public:
 	status_t SetModificationTime(time_t mtime);
 
 private:
-	//!	A path for the node that is good right now, "" when there is none.
-	virtual status_t _NodePath(char* buffer, size_t size) const = 0;
+	//!	Where the node is right now; B_ENTRY_NOT_FOUND when it has no name any more.
+	virtual status_t _NodePath(std::string& path) const = 0;
 };
