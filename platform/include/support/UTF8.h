@@ -34,8 +34,8 @@ enum {
 
 /*!	Convert text from an encoding to UTF-8 and back, in one go or piece by piece.
 	`srcLen`: in, the bytes of `src`; out, those that were used up. `dstLen`: in, the room in `dst`; out, the bytes written, always
-	whole characters and never a NUL of their own. `state`: 0 before the first piece, then left alone; it carries the shift
-	state. `substitute` (by default B_SUBSTITUTE of InterfaceDefs.h) stands for each ill-formed sequence and each character that the other side does not have (0: they are left out).
+	whole characters. `state`: 0 before the first piece, then left alone; it carries the shift state. `substitute` (ASCII, by default
+	B_SUBSTITUTE of InterfaceDefs.h) stands for each ill-formed sequence and each character that the other side does not have.
 
 	A character that is cut off by the end of `src` is left unused, to be put before the next piece; if it is all there is in `src`,
 	it becomes the substitute. So whoever has the whole text repeats the call with what is left until nothing is.

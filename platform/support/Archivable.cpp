@@ -1,0 +1,111 @@
+#include <Archivable.h>
+
+#include <Message.h>
+
+#include <cxxabi.h>
+#include <memory>
+#include <stdlib.h>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+
+static constexpr const char* kClassField = "class";
+
+BArchivable::BArchivable(BMessage*) { }
+
+BArchivable::~BArchivable() = default;
+
+static std::string
+class_name(const std::type_info& type)
+{
+	int status = 0;
+	const std::unique_ptr<char, void (*)(void*)> name(
+		abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), free);
+	return name != nullptr ? name.get() : type.name();
+}
+
+status_t
+BArchivable::Archive(BMessage* into, bool) const
+{
+	if (into == nullptr)
+		return B_BAD_VALUE;
+	return into->AddString(kClassField, class_name(typeid(*this)).c_str());
+}
+
+BArchivable*
+BArchivable::Instantiate(BMessage*)
+{
+	return nullptr;
+}
+
+bool
+validate_instantiation(BMessage* archive, const char* className)
+{
+	if (archive == nullptr || className == nullptr)
+		return false;
+	const char* name;
+	for (int32 i = 0; archive->FindString(kClassField, i, &name) == B_OK; i++) {
+		if (std::string_view(name) == className)
+			return true;
+	}
+	return false;
+}
+
+/*!	The linker's name of `className::Instantiate(BMessage*)`, as the C++ ABI of this system (Itanium) spells it: the length before
+	each name, the names between N and E. Empty for what is no class's name. */
+static std::string
+instantiate_symbol(std::string_view className)
+{
+	constexpr std::string_view kSeparator = "::";
+	std::string symbol = "_ZN";
+	for (;;) {
+		const size_t end = className.find(kSeparator);
+		const std::string_view part = className.substr(0, end);
+		if (part.empty() || part.find_first_of("<>(), :") != std::string_view::npos)
+			return "";
+		symbol += std::to_string(part.size());
+		symbol += part;
+		if (end == std::string_view::npos)
+			break;
+		className.remove_prefix(end + kSeparator.size());
+	}
+	return symbol + "11InstantiateEP8BMessage";
+}
+
+static instantiation_func
+find_func(const char* className, image_id* id)
+{
+	const std::string symbol = instantiate_symbol(className);
+	if (symbol.empty())
+		return nullptr;
+	int32 cookie = 0;
+	image_info info;
+	while (get_next_image_info(B_CURRENT_TEAM, &cookie, &info) == B_OK) {
+		void* location;
+		if (get_image_symbol(info.id, symbol.c_str(), B_SYMBOL_TYPE_TEXT, &location) == B_OK) {
+			*id = info.id;
+			return reinterpret_cast<instantiation_func>(location);
+		}
+	}
+	return nullptr;
+}
+
+instantiation_func
+find_instantiation_func(const char* className)
+{
+	image_id id;
+	return className != nullptr ? find_func(className, &id) : nullptr;
+}
+
+BArchivable*
+instantiate_object(BMessage* archive, image_id* id)
+{
+	image_id image = B_BAD_IMAGE_ID;
+	const char* name;
+	instantiation_func func = nullptr;
+	if (archive != nullptr && archive->FindString(kClassField, &name) == B_OK)
+		func = find_func(name, &image);
+	if (id != nullptr)
+		*id = image;
+	return func != nullptr ? func(archive) : nullptr;
+}

@@ -1,0 +1,9 @@
+#include <Flattenable.h>
+
+BFlattenable::~BFlattenable() = default;
+
+bool
+BFlattenable::AllowsTypeCode(type_code code) const
+{
+	return code == TypeCode();
+}
