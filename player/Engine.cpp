@@ -1,0 +1,544 @@
+#include "Engine.h"
+
+#include "MpvPlayer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr bigtime_t kSecond = 1000000;
+constexpr bigtime_t kFadeTime = 500000;
+constexpr bigtime_t kFadeStep = 20000;
+constexpr bigtime_t kRestartTime = 3 * kSecond; // from here on "previous" means this song's start
+// A sound output settles in its first two seconds; later the two clocks drift by less than 0.1 ms a second.
+constexpr bigtime_t kQuickSampleInterval = 250000;
+constexpr bigtime_t kSampleInterval = kSecond;
+constexpr int32 kQuickSamples = 8;
+
+bigtime_t
+to_microseconds(double seconds)
+{
+	return std::llround(seconds * kSecond);
+}
+
+} // namespace
+
+Engine::Engine(PlayState& state, Listener& listener)
+	: fState(state),
+	  fListener(listener),
+	  fNextSample(B_INFINITE_TIMEOUT),
+	  fLoadedStart(B_INFINITE_TIMEOUT)
+{
+	fThread = spawn_thread(ThreadEntry, "Qubo engine", B_NORMAL_PRIORITY, this);
+	resume_thread(fThread);
+}
+
+Engine::~Engine()
+{
+	Post({kQuit});
+	status_t result;
+	wait_for_thread(fThread, &result);
+}
+
+void
+Engine::Play(int32 index, bool fade, bigtime_t position)
+{
+	Post({kPlay, position, index, fade});
+}
+
+void
+Engine::Resume()
+{
+	Post({kResume});
+}
+
+void
+Engine::Pause()
+{
+	Post({kPause});
+}
+
+void
+Engine::TogglePause()
+{
+	Post({kTogglePause});
+}
+
+void
+Engine::Previous()
+{
+	Post({kPrevious});
+}
+
+void
+Engine::Next()
+{
+	Post({kNext});
+}
+
+void
+Engine::SeekTo(bigtime_t position)
+{
+	Post({kSeekTo, position});
+}
+
+void
+Engine::SeekBy(bigtime_t offset)
+{
+	Post({kSeekBy, offset});
+}
+
+void
+Engine::SetVolume(int32 percent)
+{
+	Post({kVolume, std::clamp<int32>(percent, 0, 100)});
+}
+
+void
+Engine::Stop()
+{
+	Post({kStop});
+}
+
+// #pragma mark - thread
+
+void
+Engine::Post(const Command& command)
+{
+	std::lock_guard lock(fLock);
+	fCommands.push_back(command);
+	fPosted.notify_one();
+	if (fWakeable != nullptr)
+		fWakeable->Wakeup();
+}
+
+status_t
+Engine::ThreadEntry(void* self)
+{
+	static_cast<Engine*>(self)->Run();
+	return 0;
+}
+
+void
+Engine::Run()
+{
+	bool running = true;
+	while (running) {
+		for (const Command& command : TakeCommands())
+			running = running && Execute(command);
+		if (!running || fPlayer == nullptr)
+			continue;
+		bigtime_t wait = std::max<bigtime_t>(NextDeadline() - system_time(), 0);
+		HandleEvent(
+			*fPlayer->WaitEvent(static_cast<double>(std::min(wait, 3600 * kSecond)) / kSecond));
+		Tick();
+	}
+	std::unique_lock lock(fLock);
+	fWakeable = nullptr;
+	lock.unlock();
+	fPlayer.reset();
+}
+
+std::deque<Engine::Command>
+Engine::TakeCommands()
+{
+	std::unique_lock lock(fLock);
+	if (fPlayer == nullptr)
+		fPosted.wait(lock, [this] { return !fCommands.empty(); });
+	return std::exchange(fCommands, {});
+}
+
+bool
+Engine::Execute(const Command& command)
+{
+	switch (command.action) {
+		case kPlay:
+			PlayRequested(command);
+			break;
+		case kResume:
+			ResumeRequested();
+			break;
+		case kPause:
+			PauseRequested(true);
+			break;
+		case kTogglePause:
+			if (IsStopped() || fPaused)
+				ResumeRequested();
+			else
+				PauseRequested(true);
+			break;
+		case kPrevious:
+			StepRequested(-1);
+			break;
+		case kNext:
+			StepRequested(1);
+			break;
+		case kSeekTo:
+			SeekRequested(command.value);
+			break;
+		case kSeekBy:
+			SeekRequested(fState.Position() + command.value);
+			break;
+		case kVolume:
+			VolumeRequested(static_cast<int32>(command.value));
+			break;
+		case kStop:
+			fFade.reset();
+			fWanted = false;
+			if (fPlayer != nullptr)
+				fPlayer->Command({"stop", "keep-playlist"});
+			break;
+		case kQuit:
+			return false;
+	}
+	return true;
+}
+
+// #pragma mark - requests
+
+void
+Engine::PlayRequested(const Command& command)
+{
+	PlaylistEntry entry;
+	if (!fState.GetEntry(command.index, entry) || !StartPlayer())
+		return;
+	if (command.fade && !IsStopped() && !fPaused) {
+		bigtime_t start = fFade != nullptr ? fFade->start : system_time();
+		fFade.reset(new Fade{command, start});
+	} else
+		PlayNow(command);
+}
+
+void
+Engine::ResumeRequested()
+{
+	if (IsStopped())
+		PlayRequested({kPlay, 0, std::max<int32>(fState.CurrentIndex(), 0)});
+	else
+		PauseRequested(false);
+}
+
+void
+Engine::PauseRequested(bool pause)
+{
+	EndFade();
+	if (fPlayer != nullptr)
+		fPlayer->SetFlag("pause", pause);
+}
+
+void
+Engine::StepRequested(int32 step)
+{
+	int32 current = fState.CurrentIndex();
+	if (step < 0 && !IsStopped() && fState.Position() >= kRestartTime) {
+		SeekRequested(0);
+		return;
+	}
+	int32 index = fState.NextPlayable(current + step, step);
+	if (index >= 0)
+		PlayRequested({kPlay, 0, index});
+	else if (step < 0)
+		SeekRequested(0);
+}
+
+void
+Engine::SeekRequested(bigtime_t position)
+{
+	if (IsStopped() || fLoaded != nullptr) // which of two songs would be meant?
+		return;
+	EndFade();
+	position = std::max<bigtime_t>(position, 0);
+	// beyond the end: the player itself finds the end, and goes on to the next song
+	std::string seconds = std::to_string(position / kSecond) + "."
+		+ std::to_string(kSecond + position % kSecond).substr(1);
+	if (fPlayer->Command({"seek", seconds.c_str(), "absolute+exact"}))
+		fState.Jump(position);
+}
+
+void
+Engine::VolumeRequested(int32 percent)
+{
+	fVolume = percent;
+	if (fPlayer != nullptr && fFade == nullptr)
+		fPlayer->SetNumber("volume", fVolume);
+}
+
+// #pragma mark - the player's list
+
+bool
+Engine::StartPlayer()
+{
+	if (fPlayer != nullptr)
+		return true;
+	std::string error;
+	fPlayer = MpvPlayer::Create(error);
+	if (fPlayer == nullptr) {
+		fListener.EngineFailed(error);
+		return false;
+	}
+	fPlayer->SetNumber("volume", fVolume);
+	fPlayer->Observe("pause", MPV_FORMAT_FLAG);
+	fPlayer->Observe("paused-for-cache", MPV_FORMAT_FLAG);
+	fPlayer->Observe("duration", MPV_FORMAT_DOUBLE);
+	fPlayer->Observe("current-ao", MPV_FORMAT_STRING);
+	std::lock_guard lock(fLock);
+	fWakeable = fPlayer.get();
+	return true;
+}
+
+bool
+Engine::IsStopped() const
+{
+	return !fOpened && !fWanted;
+}
+
+void
+Engine::PlayNow(const Command& command)
+{
+	fFade.reset();
+	AppendSongs();
+	fPlayer->SetText(
+		"start", command.value > 0 ? std::to_string(command.value / 1e6).c_str() : "none");
+	fPlayer->SetFlag("pause", false);
+	fState.SetFailed(command.index, false);
+	fWanted = fPlayer->Command({"playlist-play-index", std::to_string(command.index).c_str()});
+}
+
+void
+Engine::AppendSongs()
+{
+	PlaylistEntry entry;
+	while (fState.GetEntry(static_cast<int32>(fIds.size()), entry))
+		fIds.push_back(fPlayer->AppendFile(entry.path));
+}
+
+int32
+Engine::IndexOf(int64_t id) const
+{
+	auto found = std::find(fIds.begin(), fIds.end(), id);
+	return found != fIds.end() ? static_cast<int32>(found - fIds.begin()) : -1;
+}
+
+/*!	The player has put other files into its list (a file turned out to be a list of files): makes it ours again. */
+void
+Engine::ResetList()
+{
+	fPlayer->Command({"stop"});
+	fIds.clear();
+	AppendSongs();
+}
+
+// #pragma mark - events
+
+void
+Engine::HandleEvent(const mpv_event& event)
+{
+	switch (event.event_id) {
+		case MPV_EVENT_START_FILE:
+			FileStarted(static_cast<mpv_event_start_file*>(event.data)->playlist_entry_id);
+			break;
+		case MPV_EVENT_FILE_LOADED:
+			FileLoaded();
+			break;
+		case MPV_EVENT_END_FILE:
+			FileEnded(event);
+			break;
+		case MPV_EVENT_SEEK:
+			fState.Freeze();
+			break;
+		case MPV_EVENT_PLAYBACK_RESTART:
+			PlaybackRestarted();
+			break;
+		case MPV_EVENT_IDLE:
+			Idle();
+			break;
+		case MPV_EVENT_PROPERTY_CHANGE:
+			PropertyChanged(*static_cast<mpv_event_property*>(event.data));
+			break;
+		default:
+			break;
+	}
+}
+
+void
+Engine::FileStarted(int64_t id)
+{
+	fStarting = IndexOf(id);
+	fOpened = true;
+	fWanted = false;
+	if (fFade == nullptr)
+		fPlayer->SetNumber("volume", fVolume); // only now is a faded song silent for good
+}
+
+void
+Engine::FileLoaded()
+{
+	if (fStarting < 0)
+		return;
+	fLoaded.reset(new PlayState::SongStart{fStarting, fPlayer->Text("metadata/by-key/artist"),
+		fPlayer->Text("metadata/by-key/title"),
+		to_microseconds(fPlayer->Number("duration").value_or(0))});
+	fLoadedStart = B_INFINITE_TIMEOUT;
+	fStarting = -1;
+	fPlayer->SetText("start", "none"); // was meant for this song only
+}
+
+void
+Engine::FileEnded(const mpv_event& event)
+{
+	auto& end = *static_cast<mpv_event_end_file*>(event.data);
+	int32 index = IndexOf(end.playlist_entry_id);
+	fStarting = -1;
+	switch (end.reason) {
+		case MPV_END_FILE_REASON_EOF:
+			if (fLoaded != nullptr) // shorter than what the output holds
+				BeginLoadedSong(0);
+			return;
+		case MPV_END_FILE_REASON_ERROR:
+			SongFailed(index, fPlayer->ErrorText(end.error));
+			break;
+		case MPV_END_FILE_REASON_REDIRECT:
+			SongFailed(index, "a list of files");
+			ResetList();
+			if (int32 next = fState.NextPlayable(index + 1, 1); next >= 0)
+				PlayNow({kPlay, 0, next});
+			break;
+		default:
+			break;
+	}
+	fLoaded.reset();
+	fState.Freeze();
+}
+
+void
+Engine::SongFailed(int32 index, const std::string& reason)
+{
+	if (index < 0)
+		return;
+	fState.SetFailed(index, true);
+	fListener.SongFailed(index, reason);
+}
+
+void
+Engine::PlaybackRestarted()
+{
+	fQuickSamples = kQuickSamples;
+	// After a seek in a pause the player takes its full buffer for sound that is still to be heard; what was sought holds.
+	if (!fPaused || fLoaded != nullptr)
+		Sample();
+}
+
+void
+Engine::Idle()
+{
+	if (!fOpened
+		|| fWanted) // of the time before the first song, or before the one that is on its way
+		return;
+	fOpened = false;
+	fLoaded.reset();
+	fNextSample = B_INFINITE_TIMEOUT;
+	fState.Stop();
+	fListener.PlayingEnded(fAnyPlayed);
+	fListener.PlayingChanged();
+}
+
+void
+Engine::PropertyChanged(const mpv_event_property& property)
+{
+	std::string name = property.name;
+	if (name == "pause" && property.format == MPV_FORMAT_FLAG) {
+		fPaused = *static_cast<int*>(property.data) != 0;
+		fState.SetPaused(fPaused);
+		Sample();
+		fListener.PlayingChanged();
+	} else if (name == "paused-for-cache" && property.format == MPV_FORMAT_FLAG) {
+		if (*static_cast<int*>(property.data) != 0)
+			fState.Freeze();
+	} else if (name == "duration" && property.format == MPV_FORMAT_DOUBLE && fStarting < 0) {
+		bigtime_t length = to_microseconds(*static_cast<double*>(property.data));
+		if (fLoaded != nullptr)
+			fLoaded->length = length;
+		else
+			fState.SetLength(length);
+		fListener.PlayingChanged();
+	} else if (name == "current-ao" && property.format == MPV_FORMAT_STRING) {
+		bool silent = std::string("null") == *static_cast<char**>(property.data);
+		if (silent && MpvPlayer::WantedOutput() != "null" && !std::exchange(fToldSilence, true))
+			fListener.NoSoundOutput();
+	}
+}
+
+// #pragma mark - time
+
+bigtime_t
+Engine::NextDeadline() const
+{
+	bigtime_t deadline = std::min(fNextSample, fLoadedStart);
+	return fFade != nullptr ? std::min(deadline, system_time() + kFadeStep) : deadline;
+}
+
+void
+Engine::Tick()
+{
+	bigtime_t now = system_time();
+	if (fFade != nullptr)
+		StepFade(now);
+	if (now >= fNextSample || now >= fLoadedStart)
+		Sample();
+}
+
+void
+Engine::StepFade(bigtime_t now)
+{
+	bigtime_t left = kFadeTime - (now - fFade->start);
+	if (left <= 0)
+		EndFade();
+	else
+		fPlayer->SetNumber("volume", static_cast<double>(fVolume * left) / kFadeTime);
+}
+
+void
+Engine::EndFade()
+{
+	if (fFade == nullptr)
+		return;
+	Command next = fFade->next;
+	PlayNow(next);
+}
+
+/*!	Asks the player where its sound is. The song that is loaded begins when its own sound is heard: a gapless
+	player opens it while the output still holds the end of the song before it, and gives a negative position then. */
+void
+Engine::Sample()
+{
+	fLoadedStart = B_INFINITE_TIMEOUT;
+	fNextSample = B_INFINITE_TIMEOUT;
+	if (!fOpened)
+		return;
+	bigtime_t before = system_time();
+	std::optional<double> seconds = fPlayer->Number("audio-pts");
+	bigtime_t now = system_time();
+	fNextSample = now + (fQuickSamples > 0 ? kQuickSampleInterval : kSampleInterval);
+	fQuickSamples = std::max<int32>(fQuickSamples - 1, 0);
+	if (!seconds) // the last sound of the last song is under way
+		return;
+	bigtime_t position = to_microseconds(*seconds);
+	if (fLoaded == nullptr)
+		fState.Sample(position, (before + now) / 2);
+	else if (position >= 0)
+		BeginLoadedSong(position);
+	else if (!fPaused)
+		fLoadedStart = now - position;
+}
+
+void
+Engine::BeginLoadedSong(bigtime_t position)
+{
+	fState.StartSong(*fLoaded, position);
+	fState.Sample(position, system_time());
+	fLoaded.reset();
+	fAnyPlayed = true;
+	fListener.PlayingChanged();
+}

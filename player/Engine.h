@@ -1,0 +1,143 @@
+#pragma once
+
+#include "PlayState.h"
+
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <OS.h>
+
+class MpvPlayer;
+struct mpv_event;
+struct mpv_event_property;
+
+/*!	Plays the songs of a PlayState and keeps its position true. All of the player library is used on one thread, the
+	engine's own; the library is loaded when the first song is to be played.
+	Thread: the public calls may come from any thread and never wait: they only queue what is to be done. The listener is
+	called on the engine's thread, with no lock held. */
+class Engine {
+public:
+	class Listener {
+	public:
+		virtual ~Listener() = default;
+		//! Another song, a pause, a length, a volume: whatever a window shows has changed.
+		virtual void PlayingChanged() = 0;
+		virtual void SongFailed(int32 index, const std::string& reason) = 0;
+		//! There is no sound output; it plays on in silence. Told once.
+		virtual void NoSoundOutput() = 0;
+		//! The last song has ended or nothing could be played: `any` tells whether a song has played since the start.
+		virtual void PlayingEnded(bool any) = 0;
+		virtual void EngineFailed(const std::string& reason) = 0;
+	};
+
+	Engine(PlayState& state, Listener& listener);
+	//! Ends the sound and the thread.
+	~Engine();
+
+	//! Plays a song of the list, from `position` (µs) on; `fade`: after 0.5 s in which the old one fades out.
+	void Play(int32 index, bool fade = false, bigtime_t position = 0);
+	//! Plays, goes on, or starts again after the end.
+	void Resume();
+	void Pause();
+	void TogglePause();
+	//! Back to the song's start when it has played for 3 s, else the song before it.
+	void Previous();
+	void Next();
+	void SeekTo(bigtime_t position);
+	void SeekBy(bigtime_t offset);
+	void SetVolume(int32 percent);
+	void Stop();
+
+private:
+	enum Action {
+		kPlay,
+		kResume,
+		kPause,
+		kTogglePause,
+		kPrevious,
+		kNext,
+		kSeekTo,
+		kSeekBy,
+		kVolume,
+		kStop,
+		kQuit
+	};
+	struct Command {
+		Action action;
+		bigtime_t value = 0;
+		int32 index = 0;
+		bool fade = false;
+	};
+	struct Fade {
+		Command next;
+		bigtime_t start;
+	};
+
+	void Post(const Command& command);
+	static status_t ThreadEntry(void* self);
+	void Run();
+	std::deque<Command> TakeCommands();
+	bool Execute(const Command& command); // false: the end
+
+	// what the commands do
+	void PlayRequested(const Command& command);
+	void ResumeRequested();
+	void PauseRequested(bool pause);
+	void StepRequested(int32 step);
+	void SeekRequested(bigtime_t position);
+	void VolumeRequested(int32 percent);
+
+	bool StartPlayer();
+	bool IsStopped() const;
+	void PlayNow(const Command& command);
+	void AppendSongs();
+	void ResetList();
+	int32 IndexOf(int64_t id) const; // -1 if it is none of ours
+
+	// what the player tells
+	void HandleEvent(const mpv_event& event);
+	void FileStarted(int64_t id);
+	void FileLoaded();
+	void FileEnded(const mpv_event& event);
+	void SongFailed(int32 index, const std::string& reason);
+	void PlaybackRestarted();
+	void Idle();
+	void PropertyChanged(const mpv_event_property& property);
+
+	// time
+	bigtime_t NextDeadline() const;
+	void Tick();
+	void StepFade(bigtime_t now);
+	void EndFade();
+	void Sample();
+	void BeginLoadedSong(bigtime_t position);
+
+	PlayState& fState;
+	Listener& fListener;
+	thread_id fThread;
+
+	std::mutex fLock; // of the three below
+	std::condition_variable fPosted;
+	std::deque<Command> fCommands;
+	MpvPlayer* fWakeable = nullptr;
+
+	// the engine's thread only
+	std::unique_ptr<MpvPlayer> fPlayer;
+	std::vector<int64_t> fIds; // of our songs in the player's list, in the same order
+	std::unique_ptr<PlayState::SongStart> fLoaded; // loaded, but the sound before it is still heard
+	std::unique_ptr<Fade> fFade;
+	int32 fStarting = -1; // the song that is being opened
+	int32 fVolume = 100;
+	int32 fQuickSamples = 0;
+	bigtime_t fNextSample;
+	bigtime_t fLoadedStart;
+	bool fPaused = false;
+	bool fWanted = false; // a song was asked for and is not opened yet
+	bool fOpened = false; // a file was opened since the list was idle
+	bool fAnyPlayed = false;
+	bool fToldSilence = false;
+};

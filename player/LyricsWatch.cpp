@@ -1,0 +1,211 @@
+#include "LyricsWatch.h"
+
+#include "PlayState.h"
+#include "player_messages.h"
+
+#include "server/WindowPicture.h"
+
+#include <Application.h>
+#include <Message.h>
+#include <MessageRunner.h>
+#include <Window.h>
+
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+constexpr const char* kViewName = "TavoraDisplayerView";
+constexpr const char* kLineProperty = "CurrentLine";
+constexpr uint32 kMsgPulse = 'QWpl';
+constexpr bigtime_t kPulse = 20000;
+constexpr bigtime_t kAnswerTime = 1000000; // a window that is busy for longer is asked again
+// The display looks every 25 ms and then draws.
+constexpr bigtime_t kDrawingTime = 80000;
+
+//! The scripting request `request` to the view of that name in one of the windows.
+bool
+ask_view(BMessage& request, int32 window, BMessage& reply)
+{
+	request.AddSpecifier("View", kViewName);
+	request.AddSpecifier("Window", window);
+	return be_app_messenger.SendMessage(&request, &reply, kAnswerTime, kAnswerTime) == B_OK
+		&& reply.what == B_REPLY;
+}
+
+int32
+count_windows()
+{
+	BMessage request(B_COUNT_PROPERTIES);
+	BMessage reply;
+	int32 count;
+	request.AddSpecifier("Window");
+	if (be_app_messenger.SendMessage(&request, &reply, kAnswerTime, kAnswerTime) != B_OK
+		|| reply.FindInt32("result", &count) != B_OK)
+		return 0;
+	return count;
+}
+
+bool
+save_picture(BWindow* window, const std::string& file)
+{
+	if (!window->Lock())
+		return false;
+	status_t status = BPrivate::save_window_picture(window, file.c_str());
+	window->Unlock();
+	return status == B_OK;
+}
+
+bool
+find_view(BMessenger& view)
+{
+	int32 count = count_windows();
+	for (int32 i = 0; i < count; i++) {
+		BMessage request(B_GET_PROPERTY);
+		BMessage reply;
+		request.AddSpecifier("Messenger");
+		if (ask_view(request, i, reply) && reply.FindMessenger("result", &view) == B_OK)
+			return true;
+	}
+	return false;
+}
+
+std::string
+current_line(const BMessenger& view)
+{
+	BMessage request(B_GET_PROPERTY);
+	BMessage reply;
+	const char* line;
+	request.AddSpecifier(kLineProperty);
+	if (view.SendMessage(&request, &reply, kAnswerTime, kAnswerTime) != B_OK
+		|| reply.FindString("result", &line) != B_OK)
+		return "";
+	return line;
+}
+
+} // namespace
+
+LyricsWatch::LyricsWatch(const PlayState& state, const Wish& wish, const BMessenger& listener)
+	: BLooper("Qubo lyrics watch"),
+	  fState(state),
+	  fWish(wish),
+	  fListener(listener)
+{ }
+
+LyricsWatch::~LyricsWatch() = default;
+
+thread_id
+LyricsWatch::Run()
+{
+	fPulse.reset(new BMessageRunner(BMessenger(this), BMessage(kMsgPulse), kPulse));
+	return BLooper::Run();
+}
+
+void
+LyricsWatch::MessageReceived(BMessage* message)
+{
+	switch (message->what) {
+		case kMsgPulse:
+			PulseReceived();
+			break;
+		case B_OBSERVER_NOTICE_CHANGE:
+			LineChanged(message);
+			break;
+		case kMsgFinishWatch:
+			FinishRqtd();
+			break;
+		default:
+			BLooper::MessageReceived(message);
+	}
+}
+
+void
+LyricsWatch::PulseReceived()
+{
+	if (!fView.IsValid())
+		FindView();
+	if (fWish.snapshot.empty() || fWish.snapshotTime < 0)
+		return;
+	QuboInfo info = fState.Info();
+	if (info.title[0] != '\0' && fState.Position() >= fWish.snapshotTime + kDrawingTime)
+		TakeSnapshot();
+}
+
+void
+LyricsWatch::FindView()
+{
+	BMessenger view;
+	if (find_view(view))
+		WatchView(view);
+}
+
+void
+LyricsWatch::WatchView(const BMessenger& view)
+{
+	fView = view;
+	if (!fWish.print)
+		return;
+	StartWatchingAll(view);
+	QuboInfo now = fState.Info();
+	PrintLine(current_line(view), -1, now);
+}
+
+void
+LyricsWatch::LineChanged(BMessage* notice)
+{
+	QuboInfo now = fState.Info();
+	const char* line;
+	int32 index = -1; // a view that does not number its lines
+	if (notice->FindString(kLineProperty, &line) != B_OK)
+		return;
+	notice->FindInt32("Index", &index);
+	PrintLine(line, index, now);
+}
+
+/*!	Prints the line unless it is the one printed last: a notice comes as well when the lyrics were read again, and for what
+	the view showed when it was found. */
+void
+LyricsWatch::PrintLine(const std::string& line, int32 index, const QuboInfo& when)
+{
+	bool same = line == fPrinted && fPrintedSong == when.title
+		&& (index == fPrintedIndex || fPrintedIndex < 0);
+	fPrinted = line;
+	fPrintedSong = when.title;
+	fPrintedIndex = index;
+	if (same || line.empty())
+		return;
+	int32 hundredths = when.positionMs / 10;
+	printf("[%02d:%02d.%02d] %s\n", static_cast<int>(hundredths / 6000),
+		static_cast<int>(hundredths / 100 % 60), static_cast<int>(hundredths % 100), line.c_str());
+	if (fflush(stdout) != 0) // nobody reads on
+		be_app->PostMessage(B_QUIT_REQUESTED);
+}
+
+void
+LyricsWatch::FinishRqtd()
+{
+	if (!fWish.snapshot.empty())
+		TakeSnapshot();
+	BMessage done(kMsgWatchFinished);
+	done.AddBool("ok", fOk);
+	fListener.SendMessage(&done);
+}
+
+//! Only once: the wish is forgotten then.
+void
+LyricsWatch::TakeSnapshot()
+{
+	std::string file = std::exchange(fWish.snapshot, "");
+	BLooper* looper = nullptr;
+	if (!fView.IsValid())
+		FindView();
+	fView.Target(&looper);
+	auto window = dynamic_cast<BWindow*>(looper);
+	if (window == nullptr) {
+		fprintf(stderr, "qubo: there is no lyrics window to take a picture of\n");
+		fOk = false;
+	} else if (!save_picture(window, file)) {
+		fprintf(stderr, "qubo: the picture %s cannot be written\n", file.c_str());
+		fOk = false;
+	}
+}

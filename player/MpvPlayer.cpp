@@ -1,0 +1,236 @@
+#include "MpvPlayer.h"
+
+#include <cstdlib>
+#include <vector>
+
+#include <dlfcn.h>
+
+struct MpvFunctions {
+	decltype(&::mpv_create) create;
+	decltype(&::mpv_initialize) initialize;
+	decltype(&::mpv_terminate_destroy) terminateDestroy;
+	decltype(&::mpv_set_option_string) setOptionString;
+	decltype(&::mpv_command) command;
+	decltype(&::mpv_command_ret) commandRet;
+	decltype(&::mpv_free_node_contents) freeNodeContents;
+	decltype(&::mpv_set_property) setProperty;
+	decltype(&::mpv_set_property_string) setPropertyString;
+	decltype(&::mpv_get_property) getProperty;
+	decltype(&::mpv_get_property_string) getPropertyString;
+	decltype(&::mpv_free) free;
+	decltype(&::mpv_observe_property) observeProperty;
+	decltype(&::mpv_wait_event) waitEvent;
+	decltype(&::mpv_wakeup) wakeup;
+	decltype(&::mpv_error_string) errorString;
+};
+
+namespace {
+
+constexpr const char* kLibrary = "libmpv.so.2";
+
+// Sound only, nothing of the user's own mpv set-up, nothing on the terminal; a list of files is not played as one song.
+constexpr std::pair<const char*, const char*> kOptions[] = {
+	{"config", "no"},
+	{"load-scripts", "no"},
+	{"ytdl", "no"},
+	{"terminal", "no"},
+	{"input-default-bindings", "no"},
+	{"vid", "no"},
+	{"sid", "no"},
+	{"audio-display", "no"},
+	{"autoload-files", "no"},
+	{"resume-playback", "no"},
+	{"idle", "yes"},
+	{"gapless-audio", "yes"},
+	{"prefetch-playlist", "yes"},
+	{"audio-fallback-to-null", "yes"},
+	{"audio-client-name", "Qubo"},
+	{"volume-max", "100"},
+};
+
+template<typename Function>
+bool
+resolve(void* library, const char* name, Function& function, std::string& error)
+{
+	function = reinterpret_cast<Function>(dlsym(library, name));
+	if (function == nullptr && error.empty())
+		error = std::string(kLibrary) + " has no " + name;
+	return function != nullptr;
+}
+
+bool
+resolve_all(void* library, MpvFunctions& mpv, std::string& error)
+{
+	bool ok = resolve(library, "mpv_create", mpv.create, error);
+	ok &= resolve(library, "mpv_initialize", mpv.initialize, error);
+	ok &= resolve(library, "mpv_terminate_destroy", mpv.terminateDestroy, error);
+	ok &= resolve(library, "mpv_set_option_string", mpv.setOptionString, error);
+	ok &= resolve(library, "mpv_command", mpv.command, error);
+	ok &= resolve(library, "mpv_command_ret", mpv.commandRet, error);
+	ok &= resolve(library, "mpv_free_node_contents", mpv.freeNodeContents, error);
+	ok &= resolve(library, "mpv_set_property", mpv.setProperty, error);
+	ok &= resolve(library, "mpv_set_property_string", mpv.setPropertyString, error);
+	ok &= resolve(library, "mpv_get_property", mpv.getProperty, error);
+	ok &= resolve(library, "mpv_get_property_string", mpv.getPropertyString, error);
+	ok &= resolve(library, "mpv_free", mpv.free, error);
+	ok &= resolve(library, "mpv_observe_property", mpv.observeProperty, error);
+	ok &= resolve(library, "mpv_wait_event", mpv.waitEvent, error);
+	ok &= resolve(library, "mpv_wakeup", mpv.wakeup, error);
+	ok &= resolve(library, "mpv_error_string", mpv.errorString, error);
+	return ok;
+}
+
+/*!	The library's functions, opened once and kept; NULL, and why, if that fails. */
+const MpvFunctions*
+load_functions(std::string& error)
+{
+	static MpvFunctions sFunctions = {};
+	static std::string sError;
+	static const bool sLoaded = [] {
+		void* library = dlopen(kLibrary, RTLD_NOW | RTLD_LOCAL);
+		if (library == nullptr) {
+			sError = dlerror();
+			return false;
+		}
+		return resolve_all(library, sFunctions, sError);
+	}();
+	error = sError;
+	return sLoaded ? &sFunctions : nullptr;
+}
+
+} // namespace
+
+std::unique_ptr<MpvPlayer>
+MpvPlayer::Create(std::string& error)
+{
+	const MpvFunctions* functions = load_functions(error);
+	if (functions == nullptr)
+		return nullptr;
+	std::unique_ptr<MpvPlayer> player(new MpvPlayer(*functions));
+	return player->Start(error) ? std::move(player) : nullptr;
+}
+
+MpvPlayer::MpvPlayer(const MpvFunctions& functions) : fMpv(functions) { }
+
+MpvPlayer::~MpvPlayer()
+{
+	if (fHandle != nullptr)
+		fMpv.terminateDestroy(fHandle);
+}
+
+bool
+MpvPlayer::Start(std::string& error)
+{
+	fHandle = fMpv.create();
+	if (fHandle == nullptr) {
+		error = "mpv_create failed";
+		return false;
+	}
+	for (auto [name, value] : kOptions) {
+		if (int status = fMpv.setOptionString(fHandle, name, value); status < 0) {
+			error = std::string(name) + ": " + fMpv.errorString(status);
+			return false;
+		}
+	}
+	if (std::string output = WantedOutput(); !output.empty())
+		fMpv.setOptionString(fHandle, "ao", output.c_str());
+	if (int status = fMpv.initialize(fHandle); status < 0) {
+		error = fMpv.errorString(status);
+		return false;
+	}
+	return true;
+}
+
+bool
+MpvPlayer::Command(std::initializer_list<const char*> words)
+{
+	std::vector<const char*> arguments(words);
+	arguments.push_back(nullptr);
+	return fMpv.command(fHandle, arguments.data()) >= 0;
+}
+
+int64_t
+MpvPlayer::AppendFile(const std::string& path)
+{
+	const char* arguments[] = {"loadfile", path.c_str(), "append", nullptr};
+	mpv_node result = {};
+	if (fMpv.commandRet(fHandle, arguments, &result) < 0)
+		return -1;
+	int64_t id = -1;
+	if (result.format == MPV_FORMAT_NODE_MAP) {
+		for (int i = 0; i < result.u.list->num; i++) {
+			if (std::string("playlist_entry_id") == result.u.list->keys[i])
+				id = result.u.list->values[i].u.int64;
+		}
+	}
+	fMpv.freeNodeContents(&result);
+	return id;
+}
+
+bool
+MpvPlayer::SetText(const char* property, const char* value)
+{
+	return fMpv.setPropertyString(fHandle, property, value) >= 0;
+}
+
+bool
+MpvPlayer::SetFlag(const char* property, bool value)
+{
+	int flag = value ? 1 : 0;
+	return fMpv.setProperty(fHandle, property, MPV_FORMAT_FLAG, &flag) >= 0;
+}
+
+bool
+MpvPlayer::SetNumber(const char* property, double value)
+{
+	return fMpv.setProperty(fHandle, property, MPV_FORMAT_DOUBLE, &value) >= 0;
+}
+
+std::optional<double>
+MpvPlayer::Number(const char* property)
+{
+	double value = 0;
+	if (fMpv.getProperty(fHandle, property, MPV_FORMAT_DOUBLE, &value) < 0)
+		return std::nullopt;
+	return value;
+}
+
+std::string
+MpvPlayer::Text(const char* property)
+{
+	char* value = fMpv.getPropertyString(fHandle, property);
+	std::string text = value != nullptr ? value : "";
+	fMpv.free(value);
+	return text;
+}
+
+void
+MpvPlayer::Observe(const char* property, mpv_format format)
+{
+	fMpv.observeProperty(fHandle, 0, property, format);
+}
+
+const mpv_event*
+MpvPlayer::WaitEvent(double seconds)
+{
+	return fMpv.waitEvent(fHandle, seconds);
+}
+
+void
+MpvPlayer::Wakeup()
+{
+	fMpv.wakeup(fHandle);
+}
+
+const char*
+MpvPlayer::ErrorText(int error) const
+{
+	return fMpv.errorString(error);
+}
+
+std::string
+MpvPlayer::WantedOutput()
+{
+	const char* output = getenv("QUBO_AO");
+	return output != nullptr ? output : "";
+}

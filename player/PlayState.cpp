@@ -1,0 +1,150 @@
+#include "PlayState.h"
+
+#include "song_title.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+static_assert(kSongTitleBytes + 1 == sizeof(QuboInfo::title));
+
+namespace {
+
+int32
+to_ms(bigtime_t time)
+{
+	return static_cast<int32>(
+		std::clamp<bigtime_t>(time / 1000, 0, std::numeric_limits<int32>::max()));
+}
+
+} // namespace
+
+int32
+PlayState::Add(const std::string& path)
+{
+	std::lock_guard lock(fLock);
+	return fPlaylist.Add(path);
+}
+
+int32
+PlayState::CountEntries() const
+{
+	std::lock_guard lock(fLock);
+	return fPlaylist.CountEntries();
+}
+
+bool
+PlayState::GetEntry(int32 index, PlaylistEntry& entry) const
+{
+	std::lock_guard lock(fLock);
+	const PlaylistEntry* found = fPlaylist.EntryAt(index);
+	if (found == nullptr)
+		return false;
+	entry = *found;
+	return true;
+}
+
+int32
+PlayState::NextPlayable(int32 index, int32 step) const
+{
+	std::lock_guard lock(fLock);
+	return fPlaylist.NextPlayable(index, step);
+}
+
+int32
+PlayState::CurrentIndex() const
+{
+	std::lock_guard lock(fLock);
+	return fCurrent;
+}
+
+void
+PlayState::StartSong(const SongStart& song, bigtime_t position)
+{
+	std::lock_guard lock(fLock);
+	fPlaylist.SetTags(song.index, song.artist, song.title);
+	fPlaylist.SetLength(song.index, to_ms(song.length));
+	fPlaylist.SetPlayed(song.index);
+	fCurrent = song.index;
+	fLength = song.length;
+	fState = fPaused ? kPaused : kPlaying;
+	fClock.SetLength(song.length);
+	fClock.Jump(position);
+}
+
+void
+PlayState::SetFailed(int32 index, bool failed)
+{
+	std::lock_guard lock(fLock);
+	fPlaylist.SetFailed(index, failed);
+}
+
+void
+PlayState::SetLength(bigtime_t length)
+{
+	std::lock_guard lock(fLock);
+	fLength = length;
+	fPlaylist.SetLength(fCurrent, to_ms(length));
+	fClock.SetLength(length);
+}
+
+void
+PlayState::SetPaused(bool paused)
+{
+	std::lock_guard lock(fLock);
+	fPaused = paused;
+	if (fState == kStopped)
+		return;
+	fState = paused ? kPaused : kPlaying;
+	fClock.SetRunning(!paused, system_time());
+}
+
+void
+PlayState::Jump(bigtime_t position)
+{
+	std::lock_guard lock(fLock);
+	fClock.Jump(position);
+}
+
+void
+PlayState::Freeze()
+{
+	std::lock_guard lock(fLock);
+	fClock.SetRunning(false, system_time());
+}
+
+void
+PlayState::Sample(bigtime_t position, bigtime_t when)
+{
+	std::lock_guard lock(fLock);
+	fClock.SetRunning(fState == kPlaying, when);
+	fClock.Sample(position, when);
+}
+
+void
+PlayState::Stop()
+{
+	std::lock_guard lock(fLock);
+	fClock.SetRunning(false, system_time());
+	fState = kStopped;
+}
+
+QuboInfo
+PlayState::InfoAt(bigtime_t when) const
+{
+	QuboInfo info = {};
+	std::lock_guard lock(fLock);
+	info.state = fState;
+	info.positionMs = to_ms(fClock.Position(when));
+	info.lengthMs = to_ms(fLength);
+	if (const PlaylistEntry* entry = fPlaylist.EntryAt(fCurrent))
+		memcpy(info.title, entry->title.c_str(), entry->title.size() + 1);
+	return info;
+}
+
+bigtime_t
+PlayState::Position() const
+{
+	std::lock_guard lock(fLock);
+	return fClock.Position(system_time());
+}

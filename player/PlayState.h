@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Playlist.h"
+#include "PositionClock.h"
+
+#include "host/QuboProtocol.h"
+
+#include <mutex>
+
+#include <OS.h>
+
+/*!	What is there to play, what plays, and where it is: the one truth that the engine writes and the protocol and the
+	window read. Every call is one snapshot: song, title and position always belong together.
+	Thread: any. The lock is held for copying only, nobody waits for the player with it. Times are system_time(). */
+class PlayState {
+public:
+	enum State { kStopped = 0, kPlaying = 1, kPaused = 2 };
+
+	// the playlist
+	int32 Add(const std::string& path);
+	int32 CountEntries() const;
+	//! False, `entry` untouched, if there is no such index.
+	[[nodiscard]] bool GetEntry(int32 index, PlaylistEntry& entry) const;
+	//! See Playlist.
+	int32 NextPlayable(int32 index, int32 step) const;
+	int32 CurrentIndex() const; // -1 before the first song
+
+	// the engine's side
+	/*!	From here on `index` is what plays, from `position`, named by its tags. */
+	struct SongStart {
+		int32 index = -1;
+		std::string artist;
+		std::string title;
+		bigtime_t length = 0; // 0: unknown
+	};
+	void StartSong(const SongStart& song, bigtime_t position);
+	void SetFailed(int32 index, bool failed);
+	void SetLength(bigtime_t length);
+	void SetPaused(bool paused);
+	//! After a seek: the position may go back. It stands until the next Sample().
+	void Jump(bigtime_t position);
+	//! The sound stands still (a seek, an empty buffer) though nothing is paused.
+	void Freeze();
+	void Sample(bigtime_t position, bigtime_t when);
+	//! The end of the last song; what played stays, with its position.
+	void Stop();
+
+	// what is told
+	QuboInfo Info() const { return InfoAt(system_time()); }
+	QuboInfo InfoAt(bigtime_t when) const;
+	bigtime_t Position() const;
+
+private:
+	mutable std::mutex fLock;
+	Playlist fPlaylist;
+	mutable PositionClock fClock;
+	int32 fCurrent = -1;
+	bigtime_t fLength = 0;
+	State fState = kStopped;
+	bool fPaused = false;
+};

@@ -1,0 +1,333 @@
+#include "player/Engine.h"
+
+#include "TempFolder.h"
+#include "WaveFile.h"
+
+#include <gmock/gmock.h>
+
+#include <condition_variable>
+#include <cstring>
+#include <functional>
+#include <random>
+
+using testing::ElementsAre;
+
+namespace {
+
+constexpr bigtime_t kSecond = 1000000;
+constexpr bigtime_t kMs = 1000;
+constexpr auto kPatience = std::chrono::seconds(20); // then a test fails
+
+/*!	Keeps what the engine told, and lets a test wait for it. */
+class Recorder : public Engine::Listener {
+public:
+	void PlayingChanged() override
+	{
+		Note([] {});
+	}
+	void SongFailed(int32 index, const std::string& reason) override
+	{
+		Note([&] { failed.push_back(index), reasons.push_back(reason); });
+	}
+	void NoSoundOutput() override
+	{
+		Note([&] { silences++; });
+	}
+	void PlayingEnded(bool any) override
+	{
+		Note([&] { ended++, anyPlayed = any; });
+	}
+	void EngineFailed(const std::string& reason) override
+	{
+		Note([&] { reasons.push_back(reason); });
+	}
+
+	[[nodiscard]] bool WaitFor(const std::function<bool()>& condition)
+	{
+		std::unique_lock lock(fLock);
+		auto end = std::chrono::steady_clock::now() + kPatience;
+		while (!condition()) { // a position is told by nobody: look again now and then
+			fChanged.wait_for(lock, std::chrono::milliseconds(2));
+			if (std::chrono::steady_clock::now() > end)
+				return false;
+		}
+		return true;
+	}
+	[[nodiscard]] bool WaitForEnd()
+	{
+		return WaitFor([this] { return ended > 0; });
+	}
+
+	std::vector<int32> failed;
+	std::vector<std::string> reasons;
+	int32 silences = 0;
+	int32 ended = 0;
+	bool anyPlayed = false;
+
+private:
+	void Note(const std::function<void()>& write)
+	{
+		std::lock_guard lock(fLock);
+		write();
+		fChanged.notify_all();
+	}
+
+	std::mutex fLock;
+	std::condition_variable fChanged;
+};
+
+class EngineTest : public testing::Test {
+protected:
+	static void SetUpTestSuite() { setenv("QUBO_AO", "null", 1); }
+
+	std::string Path(const std::string& name) const { return fDir.Path() + "/" + name; }
+
+	int32 AddWave(const std::string& name, double seconds, const std::string& title = "",
+		const std::string& artist = "")
+	{
+		write_wave(Path(name), seconds, title, artist);
+		return fState.Add(Path(name));
+	}
+
+	int32 AddText(const std::string& name, const std::string& text)
+	{
+		std::ofstream(Path(name)) << text;
+		return fState.Add(Path(name));
+	}
+
+	std::string Title() const { return fState.Info().title; }
+
+	[[nodiscard]] bool WaitForPosition(int32 positionMs)
+	{
+		return fTold.WaitFor([=, this] { return fState.Info().positionMs >= positionMs; });
+	}
+	[[nodiscard]] bool WaitForTitle(const std::string& title)
+	{
+		return fTold.WaitFor([=, this] { return Title() == title; });
+	}
+
+	TempFolder fDir;
+	PlayState fState;
+	Recorder fTold;
+	Engine fEngine{fState, fTold};
+};
+
+TEST_F(EngineTest, PlaysTheListToItsEndUnderTheTitlesOfItsTags)
+{
+	AddWave("1.wav", 0.7, "Song", "Band");
+	AddWave("2.wav", 0.7, "Song", "Band");
+	AddWave("3.wav", 0.7);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForTitle("Band - Song"));
+	EXPECT_EQ(fState.Info().lengthMs, 700);
+	EXPECT_EQ(fState.Info().state, PlayState::kPlaying);
+	ASSERT_TRUE(WaitForTitle("Band - Song (2)"));
+	ASSERT_TRUE(WaitForTitle("3.wav"));
+	ASSERT_TRUE(fTold.WaitForEnd());
+	EXPECT_TRUE(fTold.anyPlayed);
+	EXPECT_TRUE(fTold.failed.empty());
+	EXPECT_EQ(fTold.silences, 0); // the null output was asked for
+	EXPECT_EQ(fState.Info().state, PlayState::kStopped);
+	EXPECT_EQ(fState.Info().positionMs, 700);
+}
+
+TEST_F(EngineTest, PositionKeepsTimeAndNeverRunsBack)
+{
+	AddWave("1.wav", 3);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForPosition(1));
+	bigtime_t start = system_time() - fState.Info().positionMs * kMs;
+	int32 last = 0;
+	while (fState.Info().state == PlayState::kPlaying && last < 2900) {
+		int32 before = static_cast<int32>((system_time() - start) / kMs);
+		int32 position = fState.Info().positionMs;
+		ASSERT_GE(position, last);
+		ASSERT_NEAR(position, before, 40);
+		last = position;
+		snooze(1 * kMs);
+	}
+	EXPECT_GE(last, 2900);
+}
+
+TEST_F(EngineTest, ASongBeginsWhenItIsHeardNotWhenItIsOpened)
+{
+	AddWave("1.wav", 1.5);
+	AddWave("2.wav", 1);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForPosition(1));
+	bigtime_t start = system_time() - fState.Info().positionMs * kMs;
+	int32 last = 0;
+	ASSERT_TRUE(fTold.WaitFor([&] {
+		QuboInfo info = fState.Info();
+		if (strcmp(info.title, "2.wav") == 0)
+			return true;
+		last = info.positionMs;
+		return false;
+	}));
+	EXPECT_GE(last, 1450);
+	EXPECT_NEAR(static_cast<double>((system_time() - start) / kMs), 1500, 50);
+	EXPECT_LE(fState.Info().positionMs, 50);
+	ASSERT_TRUE(fTold.WaitForEnd());
+}
+
+TEST_F(EngineTest, PassesOverWhatCannotBePlayed)
+{
+	AddText("empty.wav", "");
+	AddText("text.mp3", "This is no music.\n");
+	fState.Add(Path("missing.ogg"));
+	AddWave("good.wav", 0.4);
+	AddText("late.flac", std::string(5000, 'x'));
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForTitle("good.wav"));
+	ASSERT_TRUE(fTold.WaitForEnd());
+	EXPECT_THAT(fTold.failed, ElementsAre(0, 1, 2, 4));
+	EXPECT_TRUE(fTold.anyPlayed);
+}
+
+TEST_F(EngineTest, TellsWhenNothingCouldBePlayed)
+{
+	AddText("empty.wav", "");
+	AddText("text.mp3", "This is no music.\n");
+	fEngine.Play(0);
+	ASSERT_TRUE(fTold.WaitForEnd());
+	EXPECT_FALSE(fTold.anyPlayed);
+	EXPECT_THAT(fTold.failed, ElementsAre(0, 1));
+	EXPECT_EQ(fState.Info().state, PlayState::kStopped);
+}
+
+TEST_F(EngineTest, DoesNotPlayAListOfFilesAsASong)
+{
+	AddWave("1.wav", 0.3);
+	AddText(
+		"2.m3u", "#EXTM3U\n" + Path("1.wav") + "\n" + Path("1.wav") + "\n" + Path("1.wav") + "\n");
+	AddWave("3.wav", 0.3);
+	AddWave("4.wav", 0.3);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForTitle("3.wav"));
+	ASSERT_TRUE(WaitForTitle("4.wav"));
+	ASSERT_TRUE(fTold.WaitForEnd());
+	EXPECT_THAT(fTold.failed, ElementsAre(1));
+	EXPECT_EQ(fState.CurrentIndex(), 3);
+}
+
+TEST_F(EngineTest, TellsOfEverySongEvenOfTheShortest)
+{
+	AddWave("1.wav", 0.5);
+	AddWave("2.wav", 0.02);
+	AddWave("3.wav", 0.5);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForTitle("3.wav"));
+	PlaylistEntry entry;
+	ASSERT_TRUE(fState.GetEntry(1, entry));
+	EXPECT_TRUE(entry.played);
+	ASSERT_TRUE(fTold.WaitForEnd());
+}
+
+TEST_F(EngineTest, PausesSeeksAndGoesOn)
+{
+	AddWave("1.wav", 20);
+	AddWave("2.wav", 1);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForPosition(50));
+	fEngine.TogglePause();
+	ASSERT_TRUE(fTold.WaitFor([&] { return fState.Info().state == PlayState::kPaused; }));
+	int32 paused = fState.Info().positionMs;
+	snooze(120 * kMs);
+	EXPECT_EQ(fState.Info().positionMs, paused);
+
+	fEngine.SeekTo(15 * kSecond);
+	ASSERT_TRUE(WaitForPosition(14900));
+	EXPECT_NEAR(fState.Info().positionMs, 15000, 30);
+	EXPECT_EQ(fState.Info().state, PlayState::kPaused);
+	fEngine.SeekBy(-5 * kSecond);
+	ASSERT_TRUE(fTold.WaitFor([&] { return fState.Info().positionMs < 14000; }));
+	EXPECT_NEAR(fState.Info().positionMs, 10000, 40);
+
+	fEngine.Resume();
+	ASSERT_TRUE(WaitForPosition(10200));
+	fEngine.SeekBy(60 * kSecond); // beyond the end
+	ASSERT_TRUE(WaitForTitle("2.wav"));
+}
+
+TEST_F(EngineTest, GoesToTheNextAndThePreviousSong)
+{
+	AddWave("1.wav", 20);
+	AddText("2.wav", "");
+	AddWave("3.wav", 20);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForTitle("1.wav"));
+	fEngine.Next();
+	ASSERT_TRUE(WaitForTitle("3.wav"));
+	fEngine.Previous(); // over the one that failed
+	ASSERT_TRUE(WaitForTitle("1.wav"));
+	fEngine.SeekTo(8 * kSecond);
+	ASSERT_TRUE(WaitForPosition(8000));
+	fEngine.Previous(); // well into the song: to its start
+	ASSERT_TRUE(fTold.WaitFor([&] { return fState.Info().positionMs < 1000; }));
+	EXPECT_EQ(Title(), "1.wav");
+}
+
+TEST_F(EngineTest, FadesForHalfASecond)
+{
+	AddWave("1.wav", 20);
+	AddWave("2.wav", 20);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForPosition(50));
+	bigtime_t start = system_time();
+	fEngine.Play(1, true);
+	ASSERT_TRUE(WaitForTitle("2.wav"));
+	EXPECT_NEAR(static_cast<double>((system_time() - start) / kMs), 550, 100);
+	start = system_time();
+	fEngine.Play(0, false);
+	ASSERT_TRUE(WaitForTitle("1.wav"));
+	EXPECT_LT((system_time() - start) / kMs, 300);
+}
+
+TEST_F(EngineTest, StartsWithinASongOnlyWhatItIsToldTo)
+{
+	AddWave("1.wav", 2);
+	AddWave("2.wav", 2);
+	fEngine.Play(0, false, 1700 * kMs);
+	ASSERT_TRUE(WaitForTitle("1.wav"));
+	EXPECT_GE(fState.Info().positionMs, 1690);
+	ASSERT_TRUE(WaitForTitle("2.wav"));
+	EXPECT_LE(fState.Info().positionMs, 300);
+}
+
+TEST_F(EngineTest, PlaysWhatIsAddedLater)
+{
+	AddWave("1.wav", 0.3);
+	fEngine.Play(0);
+	ASSERT_TRUE(fTold.WaitForEnd());
+	fEngine.Play(AddWave("2.wav", 0.3));
+	ASSERT_TRUE(WaitForTitle("2.wav"));
+	ASSERT_TRUE(fTold.WaitFor([&] { return fTold.ended == 2; }));
+	fEngine.Resume(); // once more
+	ASSERT_TRUE(fTold.WaitFor([&] { return fTold.ended == 3; }));
+}
+
+TEST(EngineEnd, ComesAtOnceWhateverItDoes)
+{
+	setenv("QUBO_AO", "null", 1);
+	TempFolder dir;
+	write_wave(dir.Path() + "/1.wav", 0.2);
+	std::mt19937 random(7);
+	for (int i = 0; i < 25; i++) {
+		PlayState state;
+		Recorder told;
+		for (int j = 0; j < 5; j++)
+			state.Add(dir.Path() + "/1.wav");
+		bigtime_t start;
+		{
+			Engine engine(state, told);
+			engine.Play(0);
+			snooze(random() % (300 * kMs));
+			engine.Play(3, random() % 2 == 0);
+			snooze(random() % (30 * kMs));
+			start = system_time();
+		}
+		EXPECT_LT(system_time() - start, kSecond);
+	}
+}
+
+} // namespace
