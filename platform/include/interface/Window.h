@@ -159,6 +159,9 @@ public:
 	void DisableUpdates();
 	void EnableUpdates();
 
+protected:
+	void _BatchDone() override;
+
 private:
 	friend struct BPrivate::WindowData;
 	explicit BWindow(BBitmap* offscreen);

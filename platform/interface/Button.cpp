@@ -1,0 +1,58 @@
+#include "interface/ViewData.h"
+#include "interface/WidgetText.h"
+
+#include <Button.h>
+#include <QPushButton>
+
+using namespace BPrivate;
+
+BButton::BButton(BRect frame, const char* name, const char* label, BMessage* message,
+	uint32 resizingMode, uint32 flags)
+	: BControl(frame, name, label, message, resizingMode, flags),
+	  fDefault(false)
+{
+	auto connect = [](QPushButton* button, ProxySink* sink) {
+		QObject::connect(button, &QPushButton::clicked, sink, [sink] { sink->Send(BMessage()); });
+	};
+	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
+		WidgetProxy::MakerOf<QPushButton>(connect), [this](BMessage*) { Clicked(); }));
+	SetLabel(label);
+}
+
+void
+BButton::AttachedToWindow()
+{
+	BControl::AttachedToWindow();
+	MakeDefault(fDefault);
+}
+
+void
+BButton::GetPreferredSize(float* width, float* height)
+{
+	preferred_size(*this, width, height);
+}
+
+void
+BButton::SetLabel(const char* label)
+{
+	BControl::SetLabel(label);
+	ViewData::Of(this).proxy->Adjust<QPushButton>(
+		[text = widget_text(label)](QPushButton& button) { button.setText(text); });
+}
+
+void
+BButton::MakeDefault(bool makeDefault)
+{
+	fDefault = makeDefault;
+	ViewData::Of(this).proxy->Adjust<QPushButton>(
+		[makeDefault](QPushButton& button) { button.setDefault(makeDefault); });
+}
+
+//! Its value is on only for those who hear of it.
+void
+BButton::Clicked()
+{
+	SetValueNoUpdate(B_CONTROL_ON);
+	Invoke();
+	SetValueNoUpdate(B_CONTROL_OFF);
+}

@@ -1,0 +1,237 @@
+#include "server/Canvas.h"
+
+#include "server/Keys.h"
+
+#include <AppDefs.h>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyleHints>
+#include <View.h>
+
+namespace BPrivate {
+
+static constexpr int kDoubleClickDistance = 5;
+// Qt counts a wheel in eighths of a degree, a notch has 15 degrees
+static constexpr float kWheelNotch = 120;
+
+Canvas::Canvas(
+	QWidget* parent, std::shared_ptr<EventPort> port, std::shared_ptr<FrameMailbox> mailbox)
+	: QWidget(parent),
+	  fPort(std::move(port)),
+	  fMailbox(std::move(mailbox))
+{
+	setAttribute(Qt::WA_OpaquePaintEvent);
+	setAttribute(Qt::WA_NoSystemBackground);
+	setMouseTracking(true);
+	setFocusPolicy(Qt::ClickFocus);
+	setAcceptDrops(true);
+	fFront.rest = palette().color(QPalette::Window);
+}
+
+void
+Canvas::TakeFrame()
+{
+	std::optional<Frame> frame = fMailbox->Take();
+	if (!frame)
+		return;
+	fFront = std::move(*frame);
+	update();
+}
+
+void
+Canvas::paintEvent(QPaintEvent*)
+{
+	QPainter painter(this);
+	painter.setCompositionMode(QPainter::CompositionMode_Source);
+	QSizeF drawn = fFront.image.deviceIndependentSize();
+	if (drawn.width() < width() || drawn.height() < height())
+		painter.fillRect(rect(), fFront.rest);
+	painter.drawImage(0, 0, fFront.image);
+	fPaints++;
+}
+
+void
+Canvas::mousePressEvent(QMouseEvent* event)
+{
+	fClicks = CountClicks(*event);
+	SendButton(B_MOUSE_DOWN, event);
+}
+
+void
+Canvas::mouseDoubleClickEvent(QMouseEvent* event)
+{
+	mousePressEvent(event);
+}
+
+void
+Canvas::mouseReleaseEvent(QMouseEvent* event)
+{
+	SendButton(B_MOUSE_UP, event);
+}
+
+void
+Canvas::mouseMoveEvent(QMouseEvent* event)
+{
+	SendMove(
+		event->position(), event->globalPosition(), event->buttons(), event->modifiers(), NULL);
+}
+
+//! A move to nowhere, so that the view that had the pointer learns that it has left.
+void
+Canvas::leaveEvent(QEvent*)
+{
+	QPoint screenWhere = QCursor::pos();
+	QPointF where = mapFromGlobal(screenWhere);
+	if (childAt(where.toPoint()) != nullptr || rect().contains(where.toPoint()))
+		where = QPointF(-1, -1);
+	SendMove(where, screenWhere, QGuiApplication::mouseButtons(),
+		QGuiApplication::keyboardModifiers(), NULL);
+}
+
+void
+Canvas::wheelEvent(QWheelEvent* event)
+{
+	BMessage message(B_MOUSE_WHEEL_CHANGED);
+	message.AddFloat("be:wheel_delta_x", -event->angleDelta().x() / kWheelNotch);
+	message.AddFloat("be:wheel_delta_y", -event->angleDelta().y() / kWheelNotch);
+	message.AddPoint("be:window_where", BPoint(event->position().x(), event->position().y()));
+	fPort->Send(std::move(message));
+}
+
+void
+Canvas::keyPressEvent(QKeyEvent* event)
+{
+	SendKey(true, event);
+}
+
+void
+Canvas::keyReleaseEvent(QKeyEvent* event)
+{
+	// the keyboard's repeat lets go of the key in between only for those who did not ask
+	if (!event->isAutoRepeat())
+		SendKey(false, event);
+}
+
+void
+Canvas::SendButton(uint32 what, QMouseEvent* event)
+{
+	QPointF where = event->position();
+	BMessage message(what);
+	message.AddPoint("where", BPoint(where.x(), where.y()));
+	message.AddPoint("be:window_where", BPoint(where.x(), where.y()));
+	message.AddPoint(
+		"screen_where", BPoint(event->globalPosition().x(), event->globalPosition().y()));
+	message.AddInt32("buttons", platform_buttons(event->buttons()));
+	message.AddInt32("modifiers", platform_modifiers(event->modifiers()));
+	if (what == B_MOUSE_DOWN)
+		message.AddInt32("clicks", fClicks);
+	fPort->Send(std::move(message));
+}
+
+void
+Canvas::SendKey(bool down, QKeyEvent* event)
+{
+	PlatformKey key = platform_key(*event);
+	bool mapped = !key.bytes.isEmpty();
+	uint32 mappedWhat = down ? B_KEY_DOWN : B_KEY_UP;
+	uint32 unmappedWhat = down ? B_UNMAPPED_KEY_DOWN : B_UNMAPPED_KEY_UP;
+	BMessage message(mapped ? mappedWhat : unmappedWhat);
+	message.AddInt32("key", key.code);
+	message.AddInt32("modifiers", platform_modifiers(event->modifiers()));
+	if (mapped) {
+		message.AddInt32("raw_char", key.rawChar);
+		for (char byte : key.bytes)
+			message.AddInt8("byte", byte);
+		message.AddString("bytes", key.bytes.constData());
+		if (event->isAutoRepeat())
+			message.AddInt32("be:key_repeat", event->count());
+	}
+	fPort->Send(std::move(message));
+}
+
+void
+Canvas::SendMove(QPointF where, QPointF screenWhere, Qt::MouseButtons buttons,
+	Qt::KeyboardModifiers modifiers, const BMessage* dragged)
+{
+	PointerMove move;
+	move.x = where.x();
+	move.y = where.y();
+	move.screenX = screenWhere.x();
+	move.screenY = screenWhere.y();
+	move.buttons = platform_buttons(buttons);
+	move.modifiers = platform_modifiers(modifiers);
+	move.when = system_time();
+	fPort->SendMove(move, dragged);
+}
+
+int32
+Canvas::CountClicks(const QMouseEvent& event)
+{
+	bool again = event.button() == fLastButton && fSinceClick.isValid()
+		&& fSinceClick.elapsed() <= QGuiApplication::styleHints()->mouseDoubleClickInterval()
+		&& (event.position().toPoint() - fLastClick).manhattanLength() <= kDoubleClickDistance;
+	fSinceClick.restart();
+	fLastClick = event.position().toPoint();
+	fLastButton = event.button();
+	return again ? fClicks + 1 : 1;
+}
+
+//! The local files of a drag; files on other machines have no path.
+static BMessage
+dragged_files(const QMimeData* data)
+{
+	BMessage message(kFilesDropped);
+	const QList<QUrl> urls = data->urls();
+	for (const QUrl& url : urls) {
+		if (url.isLocalFile())
+			message.AddString("path", url.toLocalFile().toUtf8().constData());
+	}
+	return message;
+}
+
+void
+Canvas::dragEnterEvent(QDragEnterEvent* event)
+{
+	dragMoveEvent(event);
+}
+
+void
+Canvas::dragMoveEvent(QDragMoveEvent* event)
+{
+	BMessage files = dragged_files(event->mimeData());
+	if (!files.HasString("path")) {
+		event->ignore();
+		return;
+	}
+	// never a move: the program that drags would delete its file
+	event->setDropAction(Qt::CopyAction);
+	event->accept();
+	SendMove(event->position(), mapToGlobal(event->position()), event->buttons(),
+		event->modifiers(), &files);
+}
+
+void
+Canvas::dragLeaveEvent(QDragLeaveEvent*)
+{
+	leaveEvent(nullptr);
+}
+
+void
+Canvas::dropEvent(QDropEvent* event)
+{
+	BMessage files = dragged_files(event->mimeData());
+	if (!files.HasString("path"))
+		return;
+	event->setDropAction(Qt::CopyAction);
+	event->accept();
+	const QPointF screenWhere = mapToGlobal(event->position());
+	files.AddPoint("be:window_where", BPoint(event->position().x(), event->position().y()));
+	files.AddPoint("screen_where", BPoint(screenWhere.x(), screenWhere.y()));
+	fPort->Send(std::move(files));
+}
+
+} // namespace BPrivate
