@@ -114,7 +114,7 @@ private:
 	friend class BPrivate::LooperAccess;
 
 	static status_t ThreadEntry(void* looper);
-	thread_id StartThread(const char* name);
+	thread_id StartThread(status_t (*entry)(void*), const char* name);
 	void Loop();
 	BMessage* NextMessage();
 	void EndBatch();
