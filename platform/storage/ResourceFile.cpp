@@ -35,10 +35,12 @@ find_in_elf(BFile& file, uint64 fileSize, ResourcePlace& place)
 	place.isElf = true;
 	place.writeStart = layout.end;
 	if (layout.end < fileSize)
-		place.appended = {layout.end, fileSize};
+		place.appended = ResourcePlace::Range{layout.end, fileSize};
 	if (layout.sectionSize > 0) {
-		place.section = {layout.sectionOffset, layout.sectionOffset + layout.sectionSize};
-		skip_file_magic(file, place.section);
+		ResourcePlace::Range range
+			= {layout.sectionOffset, layout.sectionOffset + layout.sectionSize};
+		skip_file_magic(file, range);
+		place.section = range;
 	}
 	return B_OK;
 }
@@ -200,7 +202,7 @@ find_resources(BFile& file, bool clobber, ResourcePlace& place)
 	if (fileSize >= static_cast<off_t>(sizeof(magic)) && memcmp(magic, kFileMagic, 2) == 0) {
 		// With something else behind "RS" it is a resource file that holds nothing.
 		if (memcmp(magic, kFileMagic, sizeof(magic)) == 0)
-			place.appended = {sizeof(magic), static_cast<uint64>(fileSize)};
+			place.appended = ResourcePlace::Range{sizeof(magic), static_cast<uint64>(fileSize)};
 		return B_OK;
 	}
 	if (!clobber)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "storage/ResourceContainer.h"
 
 namespace BPrivate {
@@ -8,11 +10,11 @@ namespace BPrivate {
 struct ResourcePlace {
 	struct Range {
 		uint64 start = 0;
-		uint64 end = 0; // the same as start when there are none
+		uint64 end = 0;
 	};
 
-	Range appended;
-	Range section; // of an ELF file; used when nothing can be read behind its end
+	std::optional<Range> appended;
+	std::optional<Range> section; // of an ELF file; used when nothing can be read behind its end
 	uint64 writeStart = 0;
 	bool isElf = false;
 };

@@ -237,8 +237,6 @@ status_t
 read_resources(BFile& file, const ResourcePlace::Range& range, ResourceContainer& container)
 {
 	container.MakeEmpty();
-	if (range.start == range.end)
-		return B_OK;
 	return ResourceReader(file, range).Read(container);
 }
 

@@ -24,12 +24,12 @@ give(Value* to, Value value)
 status_t
 read_from(BFile& file, const ResourcePlace& place, ResourceContainer& container)
 {
-	status_t status = read_resources(file, place.appended, container);
-	bool hasSection = place.section.start != place.section.end;
-	bool hasAppended = place.appended.start != place.appended.end;
+	status_t status = B_OK;
+	if (place.appended)
+		status = read_resources(file, *place.appended, container);
 	// Something else may have been appended to the file.
-	if (hasSection && (status != B_OK || !hasAppended))
-		return read_resources(file, place.section, container);
+	if (place.section && (status != B_OK || !place.appended))
+		status = read_resources(file, *place.section, container);
 	return status;
 }
 
