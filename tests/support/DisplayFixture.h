@@ -1,0 +1,69 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "host/QuboProtocol.h"
+#include "prefs/TExitState.h"
+#include "prefs/TPref.h"
+#include "support/ScriptedHost.h"
+#include "support/temp_folder.h"
+#include "support/wait_until.h"
+
+/*!	What a test of the display needs: the two records, a host, and a folder with the songs' lyrics. */
+class DisplayFixture : public testing::Test {
+protected:
+	DisplayFixture()
+	{
+		host().Reset();
+		gPref = new TPref;
+		gPref->fMonitoringInterval = 2000;
+		gExitState = new TExitState;
+	}
+
+	~DisplayFixture() override
+	{
+		delete gPref;
+		delete gExitState;
+		gPref = nullptr;
+		gExitState = nullptr;
+	}
+
+	//! An entry of the playlist whose lyrics are the folder's NAME.lrc or .txt.
+	ScriptedHost::Entry Song(const std::string& name) const
+	{
+		return {fFolder / (name + ".ogg"), name};
+	}
+
+	/*!	Writes a file whose modification time is another second than those before it. */
+	std::string Save(std::string_view name, std::string_view text)
+	{
+		const std::string path = fFolder.Write(name, text);
+		std::filesystem::last_write_time(path, NextTime());
+		return path;
+	}
+
+	//! The same, as a careful editor does it.
+	void SaveByRenaming(std::string_view name, std::string_view text)
+	{
+		const std::string aside = fFolder.Write("aside", text);
+		std::filesystem::last_write_time(aside, NextTime());
+		std::filesystem::rename(aside, fFolder / name);
+	}
+
+	TempFolder fFolder;
+
+private:
+	std::filesystem::file_time_type NextTime()
+	{
+		fTime += std::chrono::seconds(2);
+		return fTime;
+	}
+
+	std::filesystem::file_time_type fTime
+		= std::filesystem::file_time_type::clock::now() - std::chrono::hours(10);
+};
