@@ -46,6 +46,37 @@ is_plain(uint64 word)
 	return (word & kHighBits) == 0 && (escapes & kHighBits) == kHighBits;
 }
 
+/*!	Characters of one length, as many whole ones as a word holds: the bits that their lead and continuation bytes have. */
+struct WholeCharacters {
+	char mask[9];
+	char bits[9];
+	size_t length; // bytes of them all
+};
+
+constexpr WholeCharacters kTwoByteCharacters{
+	"\xe0\xc0\xe0\xc0\xe0\xc0\xe0\xc0", "\xc0\x80\xc0\x80\xc0\x80\xc0\x80", 8};
+constexpr WholeCharacters kThreeByteCharacters{
+	"\xf0\xc0\xc0\xf0\xc0\xc0\0\0", "\xe0\x80\x80\xe0\x80\x80\0\0", 6};
+
+// Skips such characters, a word at a time: most text in other scripts than Latin is made of them.
+const char*
+skip_whole(const char* byte, const char* end, const WholeCharacters& characters)
+{
+	const uint64 mask = load_word(characters.mask);
+	const uint64 bits = load_word(characters.bits);
+	while (end - byte >= 8 && (load_word(byte) & mask) == bits)
+		byte += characters.length;
+	return byte;
+}
+
+const char*
+skip_plain(const char* byte, const char* end)
+{
+	while (end - byte >= 8 && is_plain(load_word(byte)))
+		byte += 8;
+	return byte;
+}
+
 bool
 continues(const char* byte, const char* end)
 {
@@ -85,16 +116,16 @@ detect_charset(std::string_view text)
 	const char* const end = byte + text.size();
 	while (byte < end) {
 		const uint8 lead = *byte;
+		if (lead == kEscape)
+			return B_JIS_CONVERSION;
 		if (lead < 0x80) {
-			if (end - byte >= 8 && is_plain(load_word(byte))) {
-				byte += 8;
-				continue;
-			}
-			if (lead == kEscape)
-				return B_JIS_CONVERSION;
-			byte++;
+			byte = skip_plain(byte + 1, end);
 			continue;
 		}
+		const char* const start = byte;
+		byte = skip_whole(byte, end, lead < 0xe0 ? kTwoByteCharacters : kThreeByteCharacters);
+		if (byte > start)
+			continue;
 		// An escape among the announced bytes is one of theirs and does not count.
 		const int32 count = continuation_count(lead);
 		hasBadByte |= count == 0;
