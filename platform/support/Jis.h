@@ -11,7 +11,7 @@ namespace BPrivate {
 TextStop jis_to_utf8(TextSpan& text, int32* state, char substitute);
 
 /*!	What is written always ends in ASCII, so that each piece stands for itself and there is no state. Katakana that has no full width is
-	written with ESC ( I. */
+	written with ESC ( I; JIS-Roman is not used, its yen sign and overline become \ and ~. */
 TextStop utf8_to_jis(TextSpan& text, char substitute);
 
 } // namespace BPrivate
