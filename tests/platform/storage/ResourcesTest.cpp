@@ -338,4 +338,49 @@ TEST(Resources, FilesThatCannotBeUsed)
 	EXPECT_EQ(content_of(path), content_of(kGolden + "resources/empty.rsrc"));
 }
 
+//!	The exit code of the tool with these arguments.
+int
+run_tool(const std::string& arguments)
+{
+	int status = system((TEST_TOOL " " + arguments + " 2>/dev/null").c_str());
+	return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(ResourceTool, AddsListsAndRefuses)
+{
+	TempFolder folder;
+	std::string text = folder.Write("text", kEnglishText);
+	std::string target = folder / "target";
+	EXPECT_EQ(run_tool(target + " CSTR 1 English " + text + " RAWT -2 '' /dev/null"), 1);
+	EXPECT_FALSE(std::filesystem::exists(target));
+	EXPECT_EQ(run_tool(target + " CSTR 1 English " + text + " RAWT -2 '' " + text), 0);
+	EXPECT_EQ(run_tool("--list " + target + " >" + (folder / "list")), 0);
+	EXPECT_EQ(
+		folder.Read("list"), "'CSTR'\t1\t30 bytes\t\"English\"\n'RAWT'\t-2\t30 bytes\t\"\"\n");
+
+	EXPECT_EQ(run_tool(""), 2);
+	EXPECT_EQ(run_tool(target + " CSTR 1 English"), 2);
+	EXPECT_EQ(run_tool(target + " CSTRX 1 English " + text), 2);
+	EXPECT_EQ(run_tool(target + " CSTR 4294967296 English " + text), 2);
+	EXPECT_EQ(run_tool(target + " CSTR 1x English " + text), 2);
+	EXPECT_EQ(run_tool(text + " CSTR 1 English " + text), 1);
+	EXPECT_EQ(folder.Read("text"), kEnglishText);
+	EXPECT_EQ(run_tool("--list " + (folder / "none")), 1);
+}
+
+TEST(ResourceTool, TheBuildPutsThemIntoALibrary)
+{
+	BResources resources(TEST_LIBRARY);
+	EXPECT_EQ(resources.InitCheck(), B_OK);
+	EXPECT_EQ(load(resources, 'CSTR', 1), content_of(kGolden + "README.md"));
+	EXPECT_TRUE(resources.HasResource('CSTR', "with a blank"));
+	EXPECT_EQ(load(resources, 'ARCV', -7), content_of(kGolden + "messages/preferences.hmf1"));
+
+	void* image = dlopen(TEST_LIBRARY, RTLD_NOW);
+	ASSERT_NE(image, nullptr) << dlerror();
+	auto answer = reinterpret_cast<int (*)()>(dlsym(image, "answer"));
+	EXPECT_EQ(answer(), 42);
+	dlclose(image);
+}
+
 } // namespace

@@ -1,0 +1,5 @@
+extern "C" int
+answer()
+{
+	return 42;
+}
