@@ -183,11 +183,12 @@ TTavoraDWin::FrameMoved(BPoint newPosition)
 bool
 TTavoraDWin::IsOwnMove(BPoint position)
 {
-	// Of moves in quick succession only the last may be reported: those before it are done with too.
+	// Of moves in quick succession only the last may be reported, or the last several times: those before it are done with,
+	// while it stays known.
 	const auto found = std::find(fOwnMoves.begin(), fOwnMoves.end(), position);
 	if (found == fOwnMoves.end())
 		return false;
-	fOwnMoves.erase(fOwnMoves.begin(), found + 1);
+	fOwnMoves.erase(fOwnMoves.begin(), found);
 	return true;
 }
 

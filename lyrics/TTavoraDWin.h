@@ -48,6 +48,5 @@ private:
 	TWMFilter* fFilter = nullptr;   // belongs to the host's window
 	BPoint fOffset;                 // from the host's window to this one, as the user wants it
 	bool fHasOffset = false;
-	std::deque<BPoint>
-		fOwnMoves; // places that following has asked for and FrameMoved() has not reported
+	std::deque<BPoint> fOwnMoves; // places that following asked for, from the last reported one on
 };
