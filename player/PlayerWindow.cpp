@@ -1,0 +1,448 @@
+#include "PlayerWindow.h"
+
+#include "Engine.h"
+#include "Texts.h"
+#include "media_files.h"
+#include "player_messages.h"
+
+#include <Application.h>
+#include <Button.h>
+#include <Entry.h>
+#include <FilePanel.h>
+#include <ListView.h>
+#include <Menu.h>
+#include <MenuBar.h>
+#include <MenuItem.h>
+#include <Message.h>
+#include <MessageRunner.h>
+#include <Path.h>
+#include <ScrollView.h>
+#include <Slider.h>
+#include <StringItem.h>
+#include <StringView.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+// Of this window's controls and menus, to itself.
+constexpr uint32 kMsgPulse = 'PWpl';
+constexpr uint32 kMsgOpen = 'PWop';
+constexpr uint32 kMsgTogglePause = 'PWtp';
+constexpr uint32 kMsgPrevious = 'PWpv';
+constexpr uint32 kMsgNext = 'PWnx';
+constexpr uint32 kMsgBack = 'PWbk';
+constexpr uint32 kMsgForward = 'PWfw';
+constexpr uint32 kMsgToStart = 'PWts';
+constexpr uint32 kMsgSofter = 'PWsf';
+constexpr uint32 kMsgLouder = 'PWld';
+constexpr uint32 kMsgPositionDragged = 'PWpd';
+constexpr uint32 kMsgPositionChosen = 'PWpc';
+constexpr uint32 kMsgVolumeChosen = 'PWvc';
+constexpr uint32 kMsgPlayEntry = 'PWpe'; // "index" (int32)
+
+constexpr BRect kFrame(100, 100, 519, 519);
+constexpr float kMinWidth = 380;
+constexpr float kMinHeight = 300;
+constexpr float kSpace = 8;
+constexpr float kTimeWidth = 110;
+constexpr float kVolumeWidth = 130;
+constexpr bigtime_t kPulse = 200000;
+constexpr bigtime_t kSeekStep = 5000000;
+constexpr int32 kVolumeStep = 5;
+constexpr int32 kPositionSteps = 1000; // of the position bar
+constexpr const char* kNowPlaying = "▶ ";
+
+std::string
+time_text(int32 ms)
+{
+	char buffer[32];
+	int32 seconds = ms / 1000;
+	if (seconds >= 3600)
+		snprintf(buffer, sizeof(buffer), "%d:%02d:%02d", seconds / 3600, seconds / 60 % 60, seconds % 60);
+	else
+		snprintf(buffer, sizeof(buffer), "%d:%02d", seconds / 60, seconds % 60);
+	return buffer;
+}
+
+void
+set_text(BStringView* view, const std::string& text)
+{
+	if (text != view->Text())
+		view->SetText(text.c_str());
+}
+
+BMenuItem*
+add_on_item(TextKey key, uint32 code, int32 index)
+{
+	auto message = new BMessage(code);
+	message->AddInt32("index", index);
+	auto item = new BMenuItem(text(key), message);
+	item->SetTarget(be_app);
+	return item;
+}
+
+} // namespace
+
+PlayerWindow::PlayerWindow(PlayState& state, Engine& engine, int32 volume)
+	: BWindow(kFrame, kQuboWindowTitle, B_TITLED_WINDOW, B_ASYNCHRONOUS_CONTROLS)
+	, fState(state)
+	, fEngine(engine)
+{
+	BuildMenus();
+	BuildViews(fMenuBar->Frame().bottom + 1);
+	SetSizeLimits(kMinWidth, 32767, kMinHeight, 32767);
+	fVolume->SetValue(volume);
+	UpdateAll();
+	fPulse.reset(new BMessageRunner(BMessenger(this), BMessage(kMsgPulse), kPulse));
+}
+
+PlayerWindow::~PlayerWindow() = default;
+
+// #pragma mark - views
+
+void
+PlayerWindow::BuildMenus()
+{
+	fMenuBar = new BMenuBar(BRect(0, 0, Bounds().right, 20), "Menus");
+	auto file = new BMenu(text(kTextFileMenu));
+	file->AddItem(new BMenuItem(text(kTextOpen), new BMessage(kMsgOpen), 'O'));
+	file->AddSeparatorItem();
+	file->AddItem(new BMenuItem(text(kTextQuit), new BMessage(B_QUIT_REQUESTED), 'Q'));
+	fMenuBar->AddItem(file);
+	fMenuBar->AddItem(BuildPlaybackMenu());
+	fAddOnsMenu = new BMenu(text(kTextAddOnsMenu));
+	auto none = new BMenuItem(text(kTextNoAddOns), nullptr);
+	none->SetEnabled(false);
+	fAddOnsMenu->AddItem(none);
+	fMenuBar->AddItem(fAddOnsMenu);
+	AddChild(fMenuBar);
+}
+
+BMenu*
+PlayerWindow::BuildPlaybackMenu()
+{
+	auto menu = new BMenu(text(kTextPlaybackMenu));
+	menu->AddItem(new BMenuItem(text(kTextPlay), new BMessage(kMsgTogglePause), 'P'));
+	menu->AddItem(new BMenuItem(text(kTextPrevious), new BMessage(kMsgPrevious), 'B'));
+	menu->AddItem(new BMenuItem(text(kTextNext), new BMessage(kMsgNext), 'N'));
+	menu->AddSeparatorItem();
+	menu->AddItem(new BMenuItem(text(kTextBack), new BMessage(kMsgBack), 'J'));
+	menu->AddItem(new BMenuItem(text(kTextForward), new BMessage(kMsgForward), 'L'));
+	menu->AddItem(new BMenuItem(text(kTextToStart), new BMessage(kMsgToStart), 'H'));
+	menu->AddSeparatorItem();
+	menu->AddItem(new BMenuItem(text(kTextLouder), new BMessage(kMsgLouder), '+'));
+	menu->AddItem(new BMenuItem(text(kTextSofter), new BMessage(kMsgSofter), '-'));
+	return menu;
+}
+
+/*!	From top to bottom: title, position and time, buttons and volume, playlist, status. */
+void
+PlayerWindow::BuildViews(float top)
+{
+	BRect bounds = Bounds();
+	bounds.top = top;
+	auto back = new BView(bounds, "Back", B_FOLLOW_ALL, B_WILL_DRAW);
+	back->SetViewColor(ui_color(B_PANEL_BACKGROUND_COLOR));
+	AddChild(back);
+	float right = bounds.Width() - kSpace;
+	float bottom = bounds.Height() - kSpace;
+
+	BRect row(kSpace, kSpace, right, kSpace + 20);
+	fTitle = new BStringView(row, "Title", "", B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP);
+	back->AddChild(fTitle);
+
+	row.OffsetTo(kSpace, row.bottom + kSpace);
+	row.bottom = row.top + 24;
+	row.right = right - kTimeWidth - kSpace;
+	fPosition = new BSlider(row, "Position", nullptr, new BMessage(kMsgPositionChosen), 0,
+		kPositionSteps, B_BLOCK_THUMB, B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP);
+	fPosition->SetModificationMessage(new BMessage(kMsgPositionDragged));
+	back->AddChild(fPosition);
+	row.left = right - kTimeWidth;
+	row.right = right;
+	fTime = new BStringView(row, "Time", "", B_FOLLOW_RIGHT | B_FOLLOW_TOP);
+	fTime->SetAlignment(B_ALIGN_RIGHT);
+	back->AddChild(fTime);
+
+	BPoint where(kSpace, row.bottom + kSpace);
+	AddButton(back, where, text(kTextPrevious), kMsgPrevious);
+	fPlay = AddButton(back, where, text(kTextPause), kMsgTogglePause);
+	AddButton(back, where, text(kTextNext), kMsgNext);
+	row.Set(right - kVolumeWidth, where.y, right, fPlay->Frame().bottom);
+	fVolume = new BSlider(row, "Volume", nullptr, new BMessage(kMsgVolumeChosen), 0, 100,
+		B_BLOCK_THUMB, B_FOLLOW_RIGHT | B_FOLLOW_TOP);
+	fVolume->SetModificationMessage(new BMessage(kMsgVolumeChosen));
+	back->AddChild(fVolume);
+
+	row.Set(kSpace, fPlay->Frame().bottom + kSpace, right, bottom - 20 - kSpace);
+	BRect inner(row.left, row.top, row.right - 20, row.bottom); // beside the scroll bar
+	fList = new BListView(inner, "Playlist", B_SINGLE_SELECTION_LIST, B_FOLLOW_ALL);
+	fList->SetInvocationMessage(new BMessage(kMsgPlayEntry));
+	back->AddChild(new BScrollView("Scroll", fList, B_FOLLOW_ALL, 0, false, true));
+
+	row.Set(kSpace, bottom - 20, right, bottom);
+	fStatus = new BStringView(row, "Status", "", B_FOLLOW_LEFT_RIGHT | B_FOLLOW_BOTTOM);
+	back->AddChild(fStatus);
+}
+
+//! At `where`, which moves on to the right.
+BButton*
+PlayerWindow::AddButton(BView* parent, BPoint& where, const char* label, uint32 code)
+{
+	auto button = new BButton(BRect(where, where + BPoint(80, 26)), label, label, new BMessage(code),
+		B_FOLLOW_LEFT | B_FOLLOW_TOP, B_WILL_DRAW);
+	parent->AddChild(button);
+	where.x = button->Frame().right + kSpace;
+	return button;
+}
+
+// #pragma mark - messages
+
+void
+PlayerWindow::DispatchMessage(BMessage* message, BHandler* target)
+{
+	if (message->what != B_KEY_DOWN || !KeyPressed(message))
+		BWindow::DispatchMessage(message, target);
+}
+
+void
+PlayerWindow::MessageReceived(BMessage* message)
+{
+	switch (message->what) {
+		case kMsgPulse:
+			UpdatePosition();
+			break;
+		case kMsgPlayingChanged:
+			UpdateAll();
+			break;
+		case kMsgTogglePause:
+			fEngine.TogglePause();
+			break;
+		case kMsgPrevious:
+			fEngine.Previous();
+			break;
+		case kMsgNext:
+			fEngine.Next();
+			break;
+		case kMsgBack:
+			fEngine.SeekBy(-kSeekStep);
+			break;
+		case kMsgForward:
+			fEngine.SeekBy(kSeekStep);
+			break;
+		case kMsgToStart:
+			fEngine.SeekTo(0);
+			break;
+		case kMsgSofter:
+			StepVolume(-kVolumeStep);
+			break;
+		case kMsgLouder:
+			StepVolume(kVolumeStep);
+			break;
+		case kMsgPositionDragged:
+			PositionDragged();
+			break;
+		case kMsgPositionChosen:
+			PositionChosen();
+			break;
+		case kMsgVolumeChosen:
+			VolumeChosen();
+			break;
+		case kMsgPlayEntry:
+			EntryInvoked(message);
+			break;
+		case kMsgOpen:
+			OpenRqtd();
+			break;
+		case B_SIMPLE_DATA:
+		case B_REFS_RECEIVED:
+			FilesDropped(message);
+			break;
+		case kMsgAddOnsLoaded:
+			AddOnsLoaded(message);
+			break;
+		case kMsgProblem:
+			ProblemTold(message);
+			break;
+		default:
+			BWindow::MessageReceived(message);
+	}
+}
+
+//! The application asks on its own thread; on this one it is the user, and then the whole program is meant.
+bool
+PlayerWindow::QuitRequested()
+{
+	if (find_thread(nullptr) != Thread())
+		return true;
+	be_app->PostMessage(B_QUIT_REQUESTED);
+	return false;
+}
+
+/*!	The keys of a player work wherever the focus is, but for those that a focused control has taken for itself. */
+bool
+PlayerWindow::KeyPressed(BMessage* message)
+{
+	const char* bytes;
+	if (message->FindString("bytes", &bytes) != B_OK
+		|| (message->GetInt32("modifiers", 0) & B_COMMAND_KEY) != 0)
+		return false;
+	switch (bytes[0]) {
+		case B_SPACE:
+			PostMessage(kMsgTogglePause);
+			return true;
+		case B_LEFT_ARROW:
+			PostMessage(kMsgBack);
+			return true;
+		case B_RIGHT_ARROW:
+			PostMessage(kMsgForward);
+			return true;
+		case B_HOME:
+			PostMessage(kMsgToStart);
+			return true;
+		case B_PAGE_UP:
+			PostMessage(kMsgPrevious);
+			return true;
+		case B_PAGE_DOWN:
+			PostMessage(kMsgNext);
+			return true;
+		case '+':
+			PostMessage(kMsgLouder);
+			return true;
+		case '-':
+			PostMessage(kMsgSofter);
+			return true;
+		default:
+			return false;
+	}
+}
+
+void
+PlayerWindow::PositionDragged()
+{
+	fDragging = true;
+}
+
+void
+PlayerWindow::PositionChosen()
+{
+	fDragging = false;
+	bigtime_t length = fState.Info().lengthMs * bigtime_t(1000);
+	fEngine.SeekTo(length * fPosition->Value() / kPositionSteps);
+}
+
+void
+PlayerWindow::VolumeChosen()
+{
+	fEngine.SetVolume(fVolume->Value());
+}
+
+void
+PlayerWindow::StepVolume(int32 step)
+{
+	fVolume->SetValue(std::clamp<int32>(fVolume->Value() + step, 0, 100));
+	VolumeChosen();
+}
+
+void
+PlayerWindow::EntryInvoked(BMessage* message)
+{
+	int32 index;
+	if (message->FindInt32("index", &index) == B_OK)
+		fEngine.Play(index);
+}
+
+void
+PlayerWindow::OpenRqtd()
+{
+	BMessenger self(this);
+	if (fOpenPanel == nullptr)
+		fOpenPanel.reset(new BFilePanel(B_OPEN_PANEL, &self, nullptr, B_FILE_NODE | B_DIRECTORY_NODE));
+	fOpenPanel->Show();
+}
+
+//! They go to the end of the list, and play when nothing does.
+void
+PlayerWindow::FilesDropped(BMessage* message)
+{
+	int32 first = fState.CountEntries();
+	entry_ref ref;
+	for (int32 i = 0; message->FindRef("refs", i, &ref) == B_OK; i++) {
+		BPath path(&ref);
+		std::vector<std::string> files;
+		if (path.InitCheck() != B_OK || !collect_media_files(path.Path(), files))
+			continue;
+		for (const std::string& file : files)
+			fState.Add(file);
+	}
+	UpdateAll();
+	if (fState.CountEntries() > first && fState.Info().state == PlayState::kStopped)
+		fEngine.Play(first);
+}
+
+void
+PlayerWindow::AddOnsLoaded(BMessage* message)
+{
+	const char* name;
+	for (int32 i = 0; message->FindString("name", i, &name) == B_OK; i++) {
+		if (i == 0)
+			delete fAddOnsMenu->RemoveItem(int32(0)); // "No add-ons"
+		auto menu = new BMenu(name);
+		menu->AddItem(add_on_item(kTextShow, kMsgShowAddOn, i));
+		if (message->GetBool("prefs", i, false))
+			menu->AddItem(add_on_item(kTextPreferences, kMsgAddOnPreferences, i));
+		if (message->GetBool("about", i, false))
+			menu->AddItem(add_on_item(kTextAbout, kMsgAboutAddOn, i));
+		fAddOnsMenu->AddItem(menu);
+	}
+}
+
+void
+PlayerWindow::ProblemTold(BMessage* message)
+{
+	fStatus->SetText(message->GetString("text", ""));
+}
+
+// #pragma mark - what is shown
+
+void
+PlayerWindow::UpdateAll()
+{
+	QuboInfo info = fState.Info();
+	std::string title = info.title;
+	SetTitle(title.empty() ? kQuboWindowTitle : (kQuboWindowTitle + (" – " + title)).c_str());
+	set_text(fTitle, title.empty() ? text(kTextDropHere) : title);
+	fPlay->SetLabel(text(info.state == PlayState::kPlaying ? kTextPause : kTextPlay));
+	UpdateList();
+	UpdatePosition();
+}
+
+void
+PlayerWindow::UpdatePosition()
+{
+	QuboInfo info = fState.Info();
+	set_text(fTime, time_text(info.positionMs) + " / " + time_text(info.lengthMs));
+	fPosition->SetEnabled(info.lengthMs > 0);
+	if (!fDragging && info.lengthMs > 0)
+		fPosition->SetValue(static_cast<int32>(int64(info.positionMs) * kPositionSteps / info.lengthMs));
+}
+
+void
+PlayerWindow::UpdateList()
+{
+	int32 current = fState.CurrentIndex();
+	PlaylistEntry entry;
+	for (int32 i = 0; fState.GetEntry(i, entry); i++) {
+		std::string label = (i == current ? kNowPlaying : "") + entry.title;
+		auto item = static_cast<BStringItem*>(fList->ItemAt(i));
+		if (item == nullptr) {
+			fList->AddItem(new BStringItem(label.c_str()));
+		} else if (label != item->Text()) {
+			item->SetText(label.c_str());
+			fList->InvalidateItem(i);
+		}
+	}
+}

@@ -1,0 +1,43 @@
+#include "CommandLine.h"
+#include "QuboApp.h"
+#include "SignalWatch.h"
+
+#include <AppDefs.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+constexpr int kWrongUse = 2;
+
+int
+run(const CommandLine& line)
+{
+	if (line.headless)
+		setenv("QT_QPA_PLATFORM", "offscreen", 1); // windows without a screen
+	QuboApp application(line);
+	SignalWatch signals([&application] { application.PostMessage(B_QUIT_REQUESTED); });
+	application.Run();
+	return application.ExitCode();
+}
+
+} // namespace
+
+int
+main(int argc, char** argv)
+{
+	CommandLine line;
+	std::string error;
+	if (!line.Parse(std::vector<std::string>(argv + 1, argv + argc), error)) {
+		fprintf(stderr, "qubo: %s\nTry: qubo --help\n", error.c_str());
+		return kWrongUse;
+	}
+	if (line.help)
+		fputs(CommandLine::HelpText(), stdout);
+	else if (line.version)
+		puts("qubo " QUBO_VERSION);
+	else
+		return run(line);
+	return 0;
+}

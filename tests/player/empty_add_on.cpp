@@ -1,0 +1,2 @@
+// An add-on without a factory.
+extern const int kNothing = 0;

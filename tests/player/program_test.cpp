@@ -1,0 +1,200 @@
+#include "Child.h"
+#include "TempFolder.h"
+#include "WaveFile.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <regex>
+#include <sstream>
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+/*!	The whole program as its user runs it, without a screen and without a sound. */
+class Program : public testing::Test {
+protected:
+	void SetUp() override { std::filesystem::create_directory(AddOns()); }
+
+	std::string Path(const std::string& name) const { return fDir.Path() + "/" + name; }
+	std::string AddOns() const { return Path("add-ons"); }
+	std::string Wave(const std::string& name, double seconds, const std::string& title = "")
+	{
+		write_wave(Path(name), seconds, title, title.empty() ? "" : "Band");
+		return Path(name);
+	}
+	std::string Text(const std::string& name, const std::string& text)
+	{
+		std::ofstream(Path(name)) << text;
+		return Path(name);
+	}
+	void InstallProbe() { std::filesystem::copy_file(PROBE_ADD_ON, AddOns() + "/gen_probe.so"); }
+
+	Child Start(std::vector<std::string> arguments)
+	{
+		std::vector<std::string> words = {QUBO, "--add-ons", AddOns()};
+		words.insert(words.end(), arguments.begin(), arguments.end());
+		return Child(words, {{"QUBO_AO", "null"}, {"ADD_ON_LOG", Path("log")}, {"HOME", fDir.Path()},
+								{"XDG_CONFIG_HOME", Path("config")}, {"XDG_RUNTIME_DIR", fDir.Path()}});
+	}
+
+	//! What the probe noted.
+	std::vector<std::string> Log() const
+	{
+		std::vector<std::string> lines;
+		std::ifstream file(Path("log"));
+		for (std::string line; std::getline(file, line);)
+			lines.push_back(line.substr(0, line.find_last_not_of(' ') + 1));
+		return lines;
+	}
+
+	TempFolder fDir;
+};
+
+TEST_F(Program, TellsItsVersionAndItsUse)
+{
+	Child version = Start({"--version"});
+	EXPECT_EQ(version.WaitForExit(), 0);
+	EXPECT_THAT(version.output, StartsWith("qubo "));
+	Child help = Start({"--help"});
+	EXPECT_EQ(help.WaitForExit(), 0);
+	EXPECT_THAT(help.output, HasSubstr("--headless"));
+}
+
+TEST_F(Program, RefusesWrongUse)
+{
+	Child unknown = Start({"--loud"});
+	EXPECT_EQ(unknown.WaitForExit(), 2);
+	EXPECT_THAT(unknown.errors, HasSubstr("--loud"));
+	Child nothing = Start({"--headless"});
+	EXPECT_EQ(nothing.WaitForExit(), 2);
+}
+
+TEST_F(Program, PlaysToTheEnd)
+{
+	Child child = Start({"--headless", Wave("1.wav", 0.4), Wave("2.wav", 0.4)});
+	EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
+	EXPECT_GE(child.duration, 0.8);
+	EXPECT_LT(child.duration, 5);
+}
+
+TEST_F(Program, FailsWhenNothingCanBePlayed)
+{
+	Child missing = Start({"--headless", Path("missing.ogg")});
+	EXPECT_EQ(missing.WaitForExit(), 1);
+	EXPECT_THAT(missing.errors, HasSubstr("missing.ogg"));
+	Child bad = Start({"--headless", Text("empty.wav", ""), Text("text.mp3", "This is no music.\n")});
+	EXPECT_EQ(bad.WaitForExit(), 1);
+	EXPECT_THAT(bad.errors, HasSubstr("empty.wav"));
+	EXPECT_THAT(bad.errors, HasSubstr("text.mp3"));
+}
+
+TEST_F(Program, PassesOverBadFiles)
+{
+	Child child = Start({"--headless", Text("bad.wav", "x"), Wave("good.wav", 0.3)});
+	EXPECT_EQ(child.WaitForExit(), 0);
+	EXPECT_THAT(child.errors, HasSubstr("bad.wav"));
+	EXPECT_THAT(child.errors, Not(HasSubstr("good.wav")));
+}
+
+TEST_F(Program, AnswersTheFrontEndProtocolToItsAddOns)
+{
+	InstallProbe();
+	std::string first = Wave("1.wav", 2, "Song");
+	std::string second = Wave("2.wav", 1, "Song");
+	Child child = Start({"--headless", first, second});
+	EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
+	std::vector<std::string> log = Log();
+	EXPECT_THAT(log, Contains("info 1 2000 Band - Song"));
+	EXPECT_THAT(log, Contains("count 2"));
+	EXPECT_THAT(log, Contains("no entry -1"));
+	EXPECT_THAT(log, Contains("entry 0 " + first + " Band - Song 2 0 1"));
+	EXPECT_THAT(log, Contains("entry 1 " + second + " 2.wav 0 1 0"));
+	EXPECT_THAT(log, Contains("no entry 2"));
+	EXPECT_THAT(log, Contains("current " + first));
+	EXPECT_THAT(log, Contains("windows 2"));
+	EXPECT_THAT(log, Contains("entry without index 1 0"));
+	EXPECT_THAT(log, Contains("window 1"));
+	EXPECT_THAT(log, Contains("playing Band - Song (2)"));
+	ASSERT_GE(log.size(), 2u);
+	EXPECT_EQ(log[log.size() - 2], "cleanup");
+	EXPECT_EQ(log.back(), "count at the end 2"); // answered until the very end
+}
+
+TEST_F(Program, PrintsEachLineWithItsTime)
+{
+	InstallProbe();
+	Child child = Start({"--headless", "--print", Wave("1.wav", 3)});
+	EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
+	std::istringstream lines(child.output);
+	const std::regex form(R"(\[(\d\d):(\d\d)\.(\d\d)\] line (\d+))");
+	std::smatch parts;
+	std::vector<int> numbers;
+	for (std::string line; std::getline(lines, line);) {
+		ASSERT_TRUE(std::regex_match(line, parts, form)) << line;
+		int ms = stoi(parts[1]) * 60000 + stoi(parts[2]) * 1000 + stoi(parts[3]) * 10;
+		numbers.push_back(stoi(parts[4]));
+		if (numbers.back() > 0) { // the view looks every 10 ms
+			EXPECT_GE(ms, numbers.back() * 250) << line;
+			EXPECT_LE(ms, numbers.back() * 250 + 100) << line;
+		}
+	}
+	ASSERT_GE(numbers.size(), 11u) << child.output;
+	for (size_t i = 1; i < numbers.size(); i++)
+		EXPECT_EQ(numbers[i], numbers[i - 1] + 1);
+}
+
+TEST_F(Program, SavesAPictureOfTheLyricsWindow)
+{
+	InstallProbe();
+	std::string song = Wave("1.wav", 1);
+	for (const std::vector<std::string>& when :
+		{std::vector<std::string>{}, std::vector<std::string>{"--at", "0.3"}}) {
+		std::vector<std::string> arguments = {"--headless", "--snapshot", Path("picture.png"), song};
+		arguments.insert(arguments.end(), when.begin(), when.end());
+		Child child = Start(arguments);
+		EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
+		std::ifstream file(Path("picture.png"), std::ios::binary);
+		std::string picture((std::istreambuf_iterator<char>(file)), {});
+		EXPECT_THAT(picture, StartsWith("\x89PNG"));
+		EXPECT_EQ(picture.substr(16, 8), std::string("\0\0\0\xc8\0\0\0\x64", 8)); // 200 x 100
+		std::filesystem::remove(Path("picture.png"));
+	}
+}
+
+TEST_F(Program, FailsWhenThereIsNoPictureToSave)
+{
+	Child none = Start({"--headless", "--snapshot", Path("picture.png"), Wave("1.wav", 0.3)});
+	EXPECT_EQ(none.WaitForExit(), 1);
+	InstallProbe();
+	Child nowhere = Start({"--headless", "--snapshot", Path("no/where.png"), Path("1.wav")});
+	EXPECT_EQ(nowhere.WaitForExit(), 1);
+	EXPECT_THAT(nowhere.errors, HasSubstr("where.png"));
+}
+
+TEST_F(Program, EndsInOrderWithinASecondOnASignal)
+{
+	InstallProbe();
+	Wave("1.wav", 20);
+	for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
+		std::filesystem::remove(Path("log"));
+		Child child = Start({"--headless", "--print", Path("1.wav")});
+		ASSERT_TRUE(child.WaitForOutput("line 1")) << child.errors;
+		timespec before;
+		timespec after;
+		clock_gettime(CLOCK_MONOTONIC, &before);
+		child.Kill(signal);
+		EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
+		clock_gettime(CLOCK_MONOTONIC, &after);
+		EXPECT_LT(after.tv_sec - before.tv_sec + (after.tv_nsec - before.tv_nsec) / 1e9, 1);
+		ASSERT_THAT(Log(), Not(IsEmpty()));
+		EXPECT_EQ(Log().back(), "count at the end 1");
+	}
+}
+
+} // namespace
