@@ -46,9 +46,3 @@ BCheckBox::SetValue(int32 value)
 	BControl::SetValue(value);
 	ViewData::Of(this).proxy->Set<QCheckBox>([value](QCheckBox& box) { box.setChecked(value); });
 }
-
-void
-BCheckBox::SetEnabled(bool enabled)
-{
-	BControl::SetEnabled(enabled);
-}

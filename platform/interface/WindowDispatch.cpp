@@ -24,7 +24,8 @@ WindowData::HandleMessage(BMessage* message, BHandler* target)
 			return true;
 		case kScaleMessage:
 			scale = message->GetFloat("be:scale", scale);
-			Invalidate(to_qrect(frame.OffsetToCopy(B_ORIGIN)));
+			if (scale != surface.Scale())
+				Invalidate(to_qrect(frame.OffsetToCopy(B_ORIGIN)));
 			return true;
 		case B_WINDOW_MOVED:
 		case B_WINDOW_RESIZED:
@@ -168,6 +169,19 @@ WindowData::PointerWatchers(BView* under) const
 	return watchers;
 }
 
+//! Is `view`, which may be gone, in the tree?
+static bool
+has_view(BView* tree, const BView* view)
+{
+	if (tree == view)
+		return true;
+	for (int32 i = 0; BView* child = tree->ChildAt(i); i++) {
+		if (has_view(child, view))
+			return true;
+	}
+	return false;
+}
+
 static void
 end_mouse_masks(BView* view)
 {
@@ -200,8 +214,8 @@ WindowData::PointerMessage(BMessage* message)
 		return;
 	}
 	for (BView* view : PointerWatchers(under)) {
-		// an earlier one's hook may have removed it
-		if (view->Window() != window)
+		// an earlier one's hook may have deleted it
+		if (!has_view(root, view))
 			continue;
 		BPoint inView = aim_at(message, view, where);
 		message->what == B_MOUSE_DOWN ? view->MouseDown(inView) : view->MouseUp(inView);
@@ -223,7 +237,7 @@ WindowData::PointerMoved(BMessage* message, BView* under, BPoint where)
 		&& std::find(watchers.begin(), watchers.end(), before) == watchers.end())
 		watchers.insert(watchers.begin(), before);
 	for (BView* view : watchers) {
-		if (view->Window() != window)
+		if (!has_view(root, view))
 			continue;
 		int32 transit = B_OUTSIDE_VIEW;
 		if (view == under)

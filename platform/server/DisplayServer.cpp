@@ -1,5 +1,6 @@
 #include "server/DisplayServer.h"
 
+#include "app/LooperLock.h"
 #include "interface/FontCache.h"
 #include "server/Desktop.h"
 #include "server/Registry.h"
@@ -94,7 +95,9 @@ DisplayServer::Run()
 	}
 	if (serve) {
 		link.SetServing(true);
+		forbid_looper_locks(true);
 		fApplication->exec();
+		forbid_looper_locks(false);
 		link.SetServing(false);
 	}
 	{

@@ -11,7 +11,6 @@ public:
 	void AttachedToWindow() override;
 	void GetPreferredSize(float* width, float* height) override;
 	void SetLabel(const char* label) override;
-	void SetEnabled(bool enabled) override;
 	//! The button that Enter presses, wherever the focus is in the window.
 	virtual void MakeDefault(bool makeDefault);
 	bool IsDefault() const { return fDefault; }

@@ -11,5 +11,4 @@ public:
 	void GetPreferredSize(float* width, float* height) override;
 	void SetLabel(const char* label) override;
 	void SetValue(int32 value) override;
-	void SetEnabled(bool enabled) override;
 };
