@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdlib.h>
+#include <string.h>
 #include <strings.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -88,7 +89,7 @@ unescape_value(const std::string& value)
 	return text;
 }
 
-//! Arguments are parted by blanks; within quotes a backslash protects the next character.
+//! Arguments are parted by blanks; within quotes a backslash protects four characters.
 std::vector<std::string>
 split_exec(const std::string& exec)
 {
@@ -100,7 +101,8 @@ split_exec(const std::string& exec)
 		if (letter == '"') {
 			quoted = !quoted;
 			any = true;
-		} else if (quoted && letter == '\\' && i + 1 < exec.size())
+		} else if (quoted && letter == '\\' && i + 1 < exec.size()
+			&& strchr("\"`$\\", exec[i + 1]) != NULL)
 			word += exec[++i];
 		else if (!quoted && (letter == ' ' || letter == '\t')) {
 			if (any || !word.empty())
@@ -113,6 +115,18 @@ split_exec(const std::string& exec)
 	if (any || !word.empty())
 		words.push_back(word);
 	return words;
+}
+
+std::string
+without_doubled_percents(const std::string& word)
+{
+	std::string text;
+	for (size_t i = 0; i < word.size(); i++) {
+		text += word[i];
+		if (word[i] == '%' && i + 1 < word.size() && word[i + 1] == '%')
+			i++;
+	}
+	return text;
 }
 
 //! In the second child: what it writes to the pipe is its id, then an error if the program does not start.
@@ -142,10 +156,9 @@ expand_exec(const std::string& exec, const std::vector<std::string>& files)
 				command.push_back(files.front());
 		} else if (word == "%F" || word == "%U")
 			command.insert(command.end(), files.begin(), files.end());
-		else if (word == "%%")
-			command.push_back("%");
-		else if (word.size() != 2 || word[0] != '%') // icon, name, and what is out of use
-			command.push_back(word);
+		else if (word == "%%" || word.size() != 2
+			|| word[0] != '%') // else icon, name, and what is out of use
+			command.push_back(without_doubled_percents(word));
 	}
 	return command;
 }

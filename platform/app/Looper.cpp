@@ -275,12 +275,15 @@ BLooper::Loop()
 {
 	tRunning = {this, fLock.get()};
 	while (!fTerminating) {
-		BMessage* message = NextMessage();
+		WaitForMessage();
 		Lock();
-		fCurrentMessage = message;
-		Dispatch(message);
-		if (fTerminating)
-			return;
+		// taken with the lock held: beats that pass while others have it are skipped
+		if (BMessage* message = TakeMessage()) {
+			fCurrentMessage = message;
+			Dispatch(message);
+			if (fTerminating)
+				return;
+		}
 		BMessage* done = fCurrentMessage;
 		fCurrentMessage = nullptr;
 		Unlock();
@@ -290,26 +293,13 @@ BLooper::Loop()
 	}
 }
 
-/*	Runners and posted messages take turns when there are many of both. */
-BMessage*
-BLooper::NextMessage()
+void
+BLooper::WaitForMessage()
 {
 	for (;;) {
 		fPort->Drain(*fQueue);
-		BMessage* message = fTickLast ? NULL : fPort->NextBeat();
-		fTickLast = message != NULL;
-		if (message == NULL)
-			message = fQueue->NextMessage();
-		if (message == NULL) {
-			message = fPort->NextBeat();
-			fTickLast = message != NULL;
-		}
-		if (message != NULL) {
-			if (!fBatchOpen)
-				fBatchStart = system_time();
-			fBatchOpen = true;
-			return message;
-		}
+		if (!fQueue->IsEmpty() || fPort->IsBeatDue())
+			break;
 		if (fBatchOpen) {
 			EndBatch();
 			continue;
@@ -317,6 +307,24 @@ BLooper::NextMessage()
 		_AboutToWait();
 		fPort->Wait();
 	}
+	if (!fBatchOpen)
+		fBatchStart = system_time();
+	fBatchOpen = true;
+}
+
+/*	Runners and posted messages take turns when there are many of both. */
+BMessage*
+BLooper::TakeMessage()
+{
+	BMessage* message = fTickLast ? NULL : fPort->NextBeat();
+	fTickLast = message != NULL;
+	if (message == NULL)
+		message = fQueue->NextMessage();
+	if (message == NULL) {
+		message = fPort->NextBeat();
+		fTickLast = message != NULL;
+	}
+	return message;
 }
 
 void

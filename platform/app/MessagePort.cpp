@@ -157,12 +157,19 @@ MessagePort::Wait()
 
 // Runners
 
+bool
+MessagePort::IsBeatDue() const
+{
+	const bigtime_t next = fNextBeat.load(std::memory_order_relaxed);
+	return next != B_INFINITE_TIMEOUT && next <= system_time();
+}
+
 BMessage*
 MessagePort::NextBeat()
 {
-	const bigtime_t now = system_time();
-	if (fNextBeat.load(std::memory_order_relaxed) > now)
+	if (!IsBeatDue())
 		return NULL;
+	const bigtime_t now = system_time();
 	std::shared_ptr<RunnerState> due;
 	{
 		std::lock_guard lock(fLock);

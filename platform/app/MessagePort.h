@@ -51,6 +51,7 @@ public:
 
 	//! Moves all that has arrived to the end of the queue. Cheap when nothing has.
 	void Drain(BMessageQueue& queue);
+	bool IsBeatDue() const;
 	//! A runner's message whose time has come, or NULL. Cheap when none has.
 	BMessage* NextBeat();
 	//! Until a message arrives or a beat is due.

@@ -116,7 +116,8 @@ private:
 	static status_t ThreadEntry(void* looper);
 	thread_id StartThread(status_t (*entry)(void*), const char* name);
 	void Loop();
-	BMessage* NextMessage();
+	void WaitForMessage();
+	BMessage* TakeMessage();
 	void EndBatch();
 	void Dispatch(BMessage* message);
 	BHandler* TargetOf(BMessage* message);
