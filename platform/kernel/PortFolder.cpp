@@ -202,11 +202,16 @@ send_message(int socket, int32 code, const void* buffer, size_t size, const Dead
 	message.msg_iov = parts;
 	message.msg_iovlen = 2;
 	const int flags = MSG_NOSIGNAL | (deadline.MustNotWait() ? MSG_DONTWAIT : 0);
+	// the kernel rounds the time down
+	const auto came_too_early = [&] {
+		return errno == EINTR
+			|| (errno == EAGAIN && !deadline.MustNotWait() && deadline.Remaining() > 0);
+	};
 	ssize_t sent;
 	do {
 		set_send_timeout(socket, deadline);
 		sent = sendmsg(socket, &message, flags);
-	} while (sent < 0 && errno == EINTR);
+	} while (sent < 0 && came_too_early());
 	if (sent >= 0)
 		return B_OK;
 	switch (errno) {

@@ -40,7 +40,9 @@ TEST(Archivable, IsBuiltAgainByTheNameOfItsClass)
 {
 	BMessage archive;
 	ASSERT_EQ(Song(17).Archive(&archive), B_OK);
-	EXPECT_STREQ(archive.FindString("class"), "nested::twice::Song");
+	const char* name = nullptr;
+	ASSERT_EQ(archive.FindString("class", &name), B_OK);
+	EXPECT_STREQ(name, "nested::twice::Song");
 	image_id image = 0;
 	const std::unique_ptr<BArchivable> object(instantiate_object(&archive, &image));
 	const Song* song = dynamic_cast<Song*>(object.get());
@@ -49,7 +51,7 @@ TEST(Archivable, IsBuiltAgainByTheNameOfItsClass)
 	image_info info;
 	EXPECT_EQ(get_image_info(image, &info), B_OK);
 	EXPECT_EQ(info.type, B_APP_IMAGE);
-	EXPECT_EQ(Song(17).Archive(nullptr), B_BAD_VALUE);
+	EXPECT_EQ(Song(17).BArchivable::Archive(nullptr), B_BAD_VALUE);
 }
 
 // archives are data: no class name may do harm
