@@ -27,7 +27,8 @@ static int
 take_image(dl_phdr_info* info, size_t, void* data)
 {
 	auto& images = *static_cast<std::vector<LoadedImage>*>(data);
-	// the kernel's own page (vdso) is no file; the program is the one that comes first, without a name
+	// the kernel's own page (vdso) is no file; the program is the one that comes first, without a
+	// name
 	if (!images.empty() && strchr(info->dlpi_name, '/') == nullptr)
 		return 0;
 	LoadedImage image;

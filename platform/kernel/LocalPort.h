@@ -5,9 +5,9 @@
 
 namespace BPrivate {
 
-/*!	A port of this process: a queue, and a socket for what other processes send. What this process sends goes into the
-	queue straight away; a reader takes what waits at the socket into the queue first.
-	Thread: any. Owner: the table of ports and each call in progress. */
+/*!	A port of this process: a queue, and a socket for what other processes send. What this process
+	sends goes into the queue straight away; a reader takes what waits at the socket into the queue
+	first. Thread: any. Owner: the table of ports and each call in progress. */
 class LocalPort {
 public:
 	explicit LocalPort(const PortAddress& address);

@@ -93,8 +93,8 @@ parse_file_name(const char* file, PortAddress* address)
 	return file == end && address->name.size() < B_OS_NAME_LENGTH;
 }
 
-/*!	The socket's address. It goes by way of the open folder: however long the folder's path is, the address has room for
-	108 bytes only. */
+/*!	The socket's address. It goes by way of the open folder: however long the folder's path is, the
+	address has room for 108 bytes only. */
 static bool
 socket_address(int folder, const PortAddress& address, sockaddr_un* socket)
 {

@@ -6,6 +6,9 @@
 
 namespace BPrivate {
 
+//! A message of a port is at most this long, as on the platform.
+constexpr size_t kPortMaxMessageSize = 256 * 1024;
+
 /*!	How a port is known to the user's other processes. */
 struct PortAddress {
 	team_id team = 0; // the owner's process id
@@ -16,10 +19,11 @@ struct PortAddress {
 	bool operator==(const PortAddress& other) const = default;
 };
 
-/*!	The folder where the user's processes find each other's ports: one datagram socket a port, whose file name says all of the
-	address. It is "tavora-ports" in $XDG_RUNTIME_DIR, else "tavora-ports-UID" in /tmp, and is used only when nobody else can
-	get at it. A socket whose owner has died refuses connections and is removed by whoever notices.
-	A message is the code (int32) and the bytes, in one datagram. Thread: any, each with an object of its own. */
+/*!	The folder where the user's processes find each other's ports: one datagram socket a port, whose
+	file name says all of the address. It is "tavora-ports" in $XDG_RUNTIME_DIR, else
+	"tavora-ports-UID" in /tmp, and is used only when nobody else can get at it. A socket whose
+	owner has died refuses connections and is removed by whoever notices. A message is the code
+	(int32) and the bytes, in one datagram. Thread: any, each with an object of its own. */
 class PortFolder {
 public:
 	PortFolder();

@@ -55,8 +55,9 @@ id_of(Table& table, const LoadedImage& image)
 	return table.lastId;
 }
 
-/*!	With the lock held. Ids of images that were unloaded behind our back end here, too. The linker's list is read with the
-	lock held, so that nothing that was loaded meanwhile is taken for unloaded. */
+/*!	With the lock held. Ids of images that were unloaded behind our back end here, too. The linker's
+	list is read with the lock held, so that nothing that was loaded meanwhile is taken for
+	unloaded. */
 void
 forget_unloaded(Table& table)
 {
@@ -134,8 +135,8 @@ base_of(void* handle, std::string* path)
 	return map->l_addr;
 }
 
-/*!	The linker's handle of any loaded image; to be closed. The linker finds what is loaded by the very name that it
-	gave it. */
+/*!	The linker's handle of any loaded image; to be closed. The linker finds what is loaded by the
+	very name that it gave it. */
 void*
 open_again(const KnownImage& image)
 {

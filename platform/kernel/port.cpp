@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 using BPrivate::Deadline;
+using BPrivate::kPortMaxMessageSize;
 using BPrivate::LocalPort;
 using BPrivate::PortAddress;
 using BPrivate::PortFolder;
@@ -18,8 +19,8 @@ namespace {
 
 constexpr int32 kMaxCapacity = 4096;
 
-/*!	Ports of this process and those of others that were found. Ids are given out in one row for both, so that they are never
-	the same. */
+/*!	Ports of this process and those of others that were found. Ids are given out in one row for
+	both, so that they are never the same. */
 struct Table {
 	std::mutex lock;
 	std::map<port_id, std::shared_ptr<LocalPort>> local;
@@ -174,12 +175,16 @@ next_team(team_id after)
 	return 0;
 }
 
-//! The sockets of a process that ends in order do not stay behind.
+//! The sockets of a process that ends in order do not stay behind; those that a fork has inherited
+//! are not its own.
 [[gnu::destructor]] void
 close_ports()
 {
-	while (const std::shared_ptr<LocalPort> port = next_local(0))
+	while (const std::shared_ptr<LocalPort> port = next_local(0)) {
+		if (port->Address().team != getpid())
+			return;
 		delete_port(port->Address().port);
+	}
 }
 
 } // namespace

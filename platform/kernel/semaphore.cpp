@@ -5,9 +5,10 @@
 #include <limits.h>
 #include <mutex>
 
-/*	A semaphore is a slot of a table that only grows. Its id is the slot's index and the number of times that the slot was used, so an
-	old id does not fit a new semaphore. Id and free places share one word: without a wait, acquiring and releasing are one
-	compare-and-swap of it. Who must wait subtracts first, so the count is below 0 exactly as long as somebody waits, and all that is
+/*	A semaphore is a slot of a table that only grows. Its id is the slot's index and the number of
+	times that the slot was used, so an old id does not fit a new semaphore. Id and free places
+	share one word: without a wait, acquiring and releasing are one compare-and-swap of it. Who must
+	wait subtracts first, so the count is below 0 exactly as long as somebody waits, and all that is
 	done then is done under the slot's lock. */
 
 namespace {

@@ -14,9 +14,10 @@
 #include <utility>
 #include <vector>
 
-/*	The threads are kept here with numbers and names of our own: the system cuts names at 15 bytes and gives its numbers out again at
-	once. A thread is a suspended entry until it is resumed; only then the system's thread is made. When it has ended,
-	the one who waits for it joins the system's thread, or else the next thread that ends, so that at most one is ever left over. */
+/*	The threads are kept here with numbers and names of our own: the system cuts names at 15 bytes
+	and gives its numbers out again at once. A thread is a suspended entry until it is resumed; only
+	then the system's thread is made. When it has ended, the one who waits for it joins the system's
+	thread, or else the next thread that ends, so that at most one is ever left over. */
 
 namespace {
 

@@ -51,8 +51,9 @@ validate_instantiation(BMessage* archive, const char* className)
 	return false;
 }
 
-/*!	The linker's name of `className::Instantiate(BMessage*)`, as the C++ ABI of this system (Itanium) spells it: the length before
-	each name, the names between N and E. Empty for what is no class's name. */
+/*!	The linker's name of `className::Instantiate(BMessage*)`, as the C++ ABI of this system
+	(Itanium) spells it: the length before each name, the names between N and E. Empty for what is
+	no class's name. */
 static std::string
 instantiate_symbol(std::string_view className)
 {

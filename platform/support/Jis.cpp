@@ -44,7 +44,8 @@ public:
 
 	const char* Source() const { return reinterpret_cast<const char*>(fAt); }
 	int32 State() const { return fSet | (fShiftedOut ? kShiftOut : 0); }
-	//! At most `size` bytes, whole characters; stops before a sign that Shift-JIS lacks. Answers how many.
+	//! At most `size` bytes, whole characters; stops before a sign that Shift-JIS lacks. Answers
+	//! how many.
 	size_t Read(char* buffer, size_t size);
 	//! JIS-Roman's own signs, in UTF-8: what Read() stops before; consumed by Skip().
 	std::string_view RomanSign() const;
@@ -231,8 +232,9 @@ JisWriter::Write(std::string_view sjis)
 	return std::min(at, sjis.size());
 }
 
-/*!	Windows-31J has IBM's characters beyond JIS's rows and once more within them, in rows 89 to 92 where NEC put them, in the same
-	order: first the ideographs, in the end the small Roman numerals and three signs. Answers the place in those rows or -1. */
+/*!	Windows-31J has IBM's characters beyond JIS's rows and once more within them, in rows 89 to 92
+	where NEC put them, in the same order: first the ideographs, in the end the small Roman numerals
+	and three signs. Answers the place in those rows or -1. */
 int
 nec_place(int ibmPlace)
 {

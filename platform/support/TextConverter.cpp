@@ -77,7 +77,8 @@ ascii_run(const char* text, size_t limit)
 	return run;
 }
 
-//! How much of ill-formed UTF-8 is one error: the longest beginning of a character, as the Unicode standard advises.
+//! How much of ill-formed UTF-8 is one error: the longest beginning of a character, as the Unicode
+//! standard advises.
 size_t
 bad_utf8_length(const uint8* text, size_t left)
 {

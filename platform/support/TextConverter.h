@@ -24,8 +24,9 @@ enum class TextStop {
 	kCutOff // what is left is the beginning of a character
 };
 
-/*!	Converts between UTF-8 and an encoding without shift states, by iconv. Ill-formed sequences and unknown characters become
-	the substitute. Thread: the one that made it, whose converter it borrows. */
+/*!	Converts between UTF-8 and an encoding without shift states, by iconv. Ill-formed sequences and
+	unknown characters become the substitute. Thread: the one that made it, whose converter it
+	borrows. */
 class TextConverter {
 public:
 	//! `encoding`: a constant of UTF8.h; `substitute`: ASCII.

@@ -2,7 +2,8 @@
 
 #include <SupportDefs.h>
 
-//! Rows of eight pixels, the leftmost in the highest bit; a 1 takes the high colour, a 0 the low one.
+//! Rows of eight pixels, the leftmost in the highest bit; a 1 takes the high colour, a 0 the low
+//! one.
 typedef struct pattern {
 	uint8 data[8];
 
@@ -45,7 +46,8 @@ make_color(uint8 red, uint8 green, uint8 blue, uint8 alpha = 255)
 	return rgb_color{red, green, blue, alpha};
 }
 
-//! As a view's colour: nothing is painted. In a 32-bit bitmap these are the bytes of a pixel that is not drawn.
+//! As a view's colour: nothing is painted. In a 32-bit bitmap these are the bytes of a pixel that
+//! is not drawn.
 inline constexpr rgb_color B_TRANSPARENT_COLOR = {0x77, 0x74, 0x77, 0x00};
 inline constexpr uint8 B_TRANSPARENT_MAGIC_CMAP8 = 0xff;
 inline constexpr uint16 B_TRANSPARENT_MAGIC_RGBA15 = 0x39ce;

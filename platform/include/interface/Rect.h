@@ -4,8 +4,8 @@
 #include <Size.h>
 #include <math.h>
 
-/*!	A rectangle by its outermost pixels, all four included: (0, 0, 9, 4) covers ten by five, and its Width() is 9.
-	It is valid when left <= right and top <= bottom; a new one is not. */
+/*!	A rectangle by its outermost pixels, all four included: (0, 0, 9, 4) covers ten by five, and its
+	Width() is 9. It is valid when left <= right and top <= bottom; a new one is not. */
 class BRect {
 public:
 	float left = 0;
@@ -67,7 +67,8 @@ public:
 		top = point.y;
 	}
 
-	//! Make it smaller on each side, move it by a distance, move its left top corner; ...Copy leave it and answer a changed one.
+	//! Make it smaller on each side, move it by a distance, move its left top corner; ...Copy leave
+	//! it and answer a changed one.
 	void InsetBy(float dx, float dy) { InsetBySelf(dx, dy); }
 	void InsetBy(BPoint distance) { InsetBySelf(distance); }
 	void OffsetBy(float dx, float dy) { OffsetBySelf(dx, dy); }

@@ -5,7 +5,8 @@
 inline constexpr float B_SIZE_UNSET = -2;
 inline constexpr float B_SIZE_UNLIMITED = 1024 * 1024 * 1024;
 
-/*!	Width and height as a BRect counts them: right - left and bottom - top, so one less than the pixels. */
+/*!	Width and height as a BRect counts them: right - left and bottom - top, so one less than the
+	pixels. */
 class BSize {
 public:
 	float width = B_SIZE_UNSET;

@@ -2,7 +2,8 @@
 
 #include <SupportDefs.h>
 
-/*!	The kernel kit. All of it may be called from any thread. Times are µs; points in time are system_time()'s. */
+/*!	The kernel kit. All of it may be called from any thread. Times are µs; points in time are
+	system_time()'s. */
 
 #define B_OS_NAME_LENGTH 32
 #define B_INFINITE_TIMEOUT (9223372036854775807LL)
@@ -24,8 +25,9 @@ enum {
 
 // Semaphores
 
-/*!	A semaphore with `count` free places, of which acquiring takes and releasing gives back. Ids are not given out again for a long time.
-	B_BAD_VALUE for a negative count, B_NO_MORE_SEMS. `name` may be NULL. */
+/*!	A semaphore with `count` free places, of which acquiring takes and releasing gives back. Ids are
+	not given out again for a long time. B_BAD_VALUE for a negative count, B_NO_MORE_SEMS. `name`
+	may be NULL. */
 sem_id create_sem(int32 count, const char* name);
 //! Wakes who waits with B_BAD_SEM_ID.
 status_t delete_sem(sem_id id);
@@ -66,20 +68,24 @@ typedef struct {
 typedef status_t (*thread_func)(void* data);
 typedef thread_func thread_entry;
 
-/*!	A new thread that runs `func(data)` once it is resumed. Its name is cut at B_OS_NAME_LENGTH - 1 bytes.
-	B_BAD_VALUE without a function. */
+/*!	A new thread that runs `func(data)` once it is resumed. Its name is cut at B_OS_NAME_LENGTH - 1
+	bytes. B_BAD_VALUE without a function. */
 thread_id spawn_thread(thread_func func, const char* name, int32 priority, void* data);
-//! Starts a spawned thread. B_BAD_THREAD_STATE when it runs already, B_BAD_THREAD_ID, B_NO_MORE_THREADS.
+//! Starts a spawned thread. B_BAD_THREAD_STATE when it runs already, B_BAD_THREAD_ID,
+//! B_NO_MORE_THREADS.
 status_t resume_thread(thread_id thread);
-/*!	Waits until `thread` has ended and all its thread-local objects are gone; one not yet started is started. `returnValue` (may be NULL): what its
-	function answered. Of threads that nobody waits for the results of the last 256 are kept, each for one wait; later, and for unknown
-	ids, B_BAD_THREAD_ID. B_NOT_ALLOWED for the caller itself. */
+/*!	Waits until `thread` has ended and all its thread-local objects are gone; one not yet started is
+	started. `returnValue` (may be NULL): what its function answered. Of threads that nobody waits
+	for the results of the last 256 are kept, each for one wait; later, and for unknown ids,
+	B_BAD_THREAD_ID. B_NOT_ALLOWED for the caller itself. */
 status_t wait_for_thread(thread_id thread, status_t* returnValue);
-/*!	The running or suspended thread of this process with that name, B_NAME_NOT_FOUND without one; of several the oldest.
-	NULL: the caller, which gets an id by this if it was not made by spawn_thread(). */
+/*!	The running or suspended thread of this process with that name, B_NAME_NOT_FOUND without one; of
+	several the oldest. NULL: the caller, which gets an id by this if it was not made by
+	spawn_thread(). */
 thread_id find_thread(const char* name);
 status_t rename_thread(thread_id thread, const char* newName);
-//! Answers the old priority. Priorities are kept and reported (clipped to 1..120), but leave the scheduling alone.
+//! Answers the old priority. Priorities are kept and reported (clipped to 1..120), but leave the
+//! scheduling alone.
 status_t set_thread_priority(thread_id thread, int32 newPriority);
 status_t get_thread_info(thread_id thread, thread_info* info);
 
@@ -92,13 +98,11 @@ typedef struct {
 	char args[64]; // the beginning of the command line
 } team_info;
 
-/*!	The user's processes one after the other: this one, and all that have a port. `cookie` is 0 at first. B_BAD_VALUE after the last. */
+/*!	The user's processes one after the other: this one, and all that have a port. `cookie` is 0 at
+	first. B_BAD_VALUE after the last. */
 status_t get_next_team_info(int32* cookie, team_info* info);
 
 // Ports
-
-//! A message of a port is at most this long.
-inline constexpr size_t kPortMaxMessageSize = 256 * 1024;
 
 typedef struct {
 	port_id port;
@@ -109,13 +113,16 @@ typedef struct {
 	int32 total_count; // messages that were read so far; 0 for another process's port
 } port_info;
 
-/*!	A queue of `capacity` (1 to 4096, else B_BAD_VALUE) messages, owned by this process. The user's other processes find it by its name
-	(cut at B_OS_NAME_LENGTH - 1 bytes, not necessarily unique) and write to it: they have a few more places of their own. Only the owner reads,
-	closes and deletes it (B_NOT_ALLOWED for others). Ids are this process's own: another one finds the same port under another id. */
+/*!	A queue of `capacity` (1 to 4096, else B_BAD_VALUE) messages, owned by this process. The user's
+	other processes find it by its name (cut at B_OS_NAME_LENGTH - 1 bytes, not necessarily unique)
+	and write to it: they have a few more places of their own. Only the owner reads, closes and
+	deletes it (B_NOT_ALLOWED for others). Ids are this process's own: another one finds the same
+	port under another id. */
 port_id create_port(int32 capacity, const char* name);
 //! A port of this process or of another one of the same user, B_NAME_NOT_FOUND without one.
 port_id find_port(const char* name);
-//! Waits while the queue is full. B_BAD_PORT_ID: closed, deleted, or its owner has died. B_BAD_VALUE: too long, or no buffer.
+//! Waits while the queue is full. B_BAD_PORT_ID: closed, deleted, or its owner has died.
+//! B_BAD_VALUE: too long, or no buffer.
 status_t write_port(port_id port, int32 code, const void* buffer, size_t size);
 status_t write_port_etc(
 	port_id port, int32 code, const void* buffer, size_t size, uint32 flags, bigtime_t timeout);

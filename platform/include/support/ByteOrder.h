@@ -1,10 +1,15 @@
 #pragma once
 
 #include <SupportDefs.h>
-#include <bit>
 
-inline constexpr bool B_HOST_IS_LENDIAN = std::endian::native == std::endian::little;
-inline constexpr bool B_HOST_IS_BENDIAN = !B_HOST_IS_LENDIAN;
+// macros, because they are asked for in #if
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+#define B_HOST_IS_LENDIAN 1
+#define B_HOST_IS_BENDIAN 0
+#else
+#define B_HOST_IS_LENDIAN 0
+#define B_HOST_IS_BENDIAN 1
+#endif
 
 #define B_SWAP_INT16(value) __builtin_bswap16(value)
 #define B_SWAP_INT32(value) __builtin_bswap32(value)

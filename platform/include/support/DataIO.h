@@ -16,8 +16,8 @@ public:
 	virtual ssize_t Write(const void* buffer, size_t size) = 0;
 };
 
-/*!	A stream with a position. Read() and Write() of the base move it, the ...At() versions leave it alone.
-	Thread: not locked; one thread at a time. */
+/*!	A stream with a position. Read() and Write() of the base move it, the ...At() versions leave it
+	alone. Thread: not locked; one thread at a time. */
 class BPositionIO : public BDataIO {
 public:
 	BPositionIO() = default;
@@ -37,8 +37,8 @@ public:
 	virtual status_t GetSize(off_t* size) const;
 };
 
-/*!	A position stream over a caller's buffer, which it neither owns nor enlarges. Over a const buffer nothing can be
-	written (B_NOT_ALLOWED). */
+/*!	A position stream over a caller's buffer, which it neither owns nor enlarges. Over a const
+	buffer nothing can be written (B_NOT_ALLOWED). */
 class BMemoryIO : public BPositionIO {
 public:
 	BMemoryIO(void* buffer, size_t length);

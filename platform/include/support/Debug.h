@@ -2,8 +2,9 @@
 
 #include <OS.h>
 
-/*!	ASSERT stops the program with a sentence on standard error when its condition does not hold. Like on the platform
-	it is there only when DEBUG is defined and not 0, or in a build without NDEBUG. */
+/*!	ASSERT stops the program with a sentence on standard error when its condition does not hold.
+	Like on the platform it is there only when DEBUG is defined and not 0, or in a build without
+	NDEBUG. */
 #if (defined(DEBUG) && DEBUG) || !defined(NDEBUG)
 
 namespace BPrivate {

@@ -2,8 +2,9 @@
 
 #include <limits.h>
 
-/*!	The platform's status values. Each kit has a range of its own; all errors are negative. The numbers go into messages
-	and files, so they are the platform's public ones, whatever errno is here. */
+/*!	The platform's status values. Each kit has a range of its own; all errors are negative. The
+	numbers go into messages and files, so they are the platform's public ones, whatever errno is
+	here. */
 inline constexpr int B_GENERAL_ERROR_BASE = INT_MIN;
 inline constexpr int B_OS_ERROR_BASE = B_GENERAL_ERROR_BASE + 0x1000;
 inline constexpr int B_APP_ERROR_BASE = B_GENERAL_ERROR_BASE + 0x2000;

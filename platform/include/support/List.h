@@ -3,8 +3,8 @@
 #include <SupportDefs.h>
 #include <vector>
 
-/*!	An ordered list of pointers. It never owns what they point to. Indices that are out of range answer NULL, false or -1.
-	Thread: not locked; one thread at a time. */
+/*!	An ordered list of pointers. It never owns what they point to. Indices that are out of range
+	answer NULL, false or -1. Thread: not locked; one thread at a time. */
 class BList {
 public:
 	BList(int32 expectedItems = 20);

@@ -3,9 +3,9 @@
 #include <SupportDefs.h>
 #include <string>
 
-/*!	A string of UTF-8 bytes that grows as needed. NULL is taken as the empty string wherever text is expected. Offsets and
-	lengths count bytes; those that lie outside are clipped, and what is looked for and is not there answers B_ERROR.
-	The I... versions ignore the case of ASCII letters.
+/*!	A string of UTF-8 bytes that grows as needed. NULL is taken as the empty string wherever text is
+	expected. Offsets and lengths count bytes; those that lie outside are clipped, and what is
+	looked for and is not there answers B_ERROR. The I... versions ignore the case of ASCII letters.
 	Thread: not locked; one thread at a time. */
 class BString {
 public:

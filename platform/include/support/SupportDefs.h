@@ -42,8 +42,9 @@ typedef uint32 perform_code;
 
 inline constexpr const char* B_EMPTY_STRING = "";
 
-/*!	Atomic operations, sequentially consistent. All but atomic_set() and the two reads change the value and answer what it
-	was before; atomic_test_and_set() stores only when the value equals `testAgainst`. */
+/*!	Atomic operations, sequentially consistent. All but atomic_set() and the two reads change the
+	value and answer what it was before; atomic_test_and_set() stores only when the value equals
+	`testAgainst`. */
 inline int32
 atomic_add(int32* value, int32 addValue)
 {

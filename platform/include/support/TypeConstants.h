@@ -2,7 +2,8 @@
 
 #include <SupportDefs.h>
 
-//! What a field of a message, an attribute or a resource holds. The platform's codes, also in files.
+//! What a field of a message, an attribute or a resource holds. The platform's codes, also in
+//! files.
 enum {
 	B_ANY_TYPE = 'ANYT',
 	B_ALIGNMENT_TYPE = 'ALGN',

@@ -32,16 +32,19 @@ enum {
 	B_GBK_CONVERSION
 };
 
-/*!	Convert text from an encoding to UTF-8 and back, in one go or piece by piece.
-	`srcLen`: in, the bytes of `src`; out, those that were used up. `dstLen`: in, the room in `dst`; out, the bytes written, always
-	whole characters. `state`: 0 before the first piece, then left alone; it carries the shift state. `substitute` (ASCII, by default
-	B_SUBSTITUTE of InterfaceDefs.h) stands for each ill-formed sequence and each character that the other side does not have.
+/*!	Convert text from an encoding to UTF-8 and back, in one go or piece by piece. `srcLen`: in, the
+	bytes of `src`; out, those that were used up. `dstLen`: in, the room in `dst`; out, the bytes
+	written, always whole characters. `state`: 0 before the first piece, then left alone; it carries
+	the shift state. `substitute` (ASCII, by default B_SUBSTITUTE of InterfaceDefs.h) stands for
+	each ill-formed sequence and each character that the other side does not have.
 
-	A character that is cut off by the end of `src` is left unused, to be put before the next piece; if it is all there is in `src`,
-	it becomes the substitute. So whoever has the whole text repeats the call with what is left until nothing is.
+	A character that is cut off by the end of `src` is left unused, to be put before the next piece;
+	if it is all there is in `src`, it becomes the substitute. So whoever has the whole text repeats
+	the call with what is left until nothing is.
 
-	B_OK when anything was used up or `src` is empty. B_ERROR: not even one character fits into `dst`, or the conversion is unknown.
-	B_BAD_VALUE: a NULL or a negative length. Thread: any; each thread has converters of its own. */
+	B_OK when anything was used up or `src` is empty. B_ERROR: not even one character fits into
+	`dst`, or the conversion is unknown. B_BAD_VALUE: a NULL or a negative length. Thread: any; each
+	thread has converters of its own. */
 status_t convert_to_utf8(uint32 srcEncoding, const char* src, int32* srcLen, char* dst,
 	int32* dstLen, int32* state, char substitute = 0x1a);
 status_t convert_from_utf8(uint32 dstEncoding, const char* src, int32* srcLen, char* dst,

@@ -1,6 +1,8 @@
 // The other process of the port tests.
-//   port_peer echo NAME CAPACITY BACK   owns a port and sends each message back to the port BACK; ends by the code 0
-//   port_peer hold NAME CAPACITY        owns a port and never reads it; ends when standard input does
+//   port_peer echo NAME CAPACITY BACK   owns a port and sends each message back to the port BACK;
+// ends by the code 0
+//   port_peer hold NAME CAPACITY        owns a port and never reads it; ends when standard input
+// does
 // "ready" on standard output tells that the port is there.
 
 #include <OS.h>
@@ -13,7 +15,7 @@
 static int
 echo(port_id port, const char* backName)
 {
-	std::vector<char> buffer(kPortMaxMessageSize);
+	std::vector<char> buffer(256 * 1024);
 	int32 code;
 	for (;;) {
 		const ssize_t size = read_port(port, &code, buffer.data(), buffer.size());

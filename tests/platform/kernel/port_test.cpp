@@ -1,3 +1,4 @@
+#include "kernel/PortFolder.h"
 #include "platform/kernel/watchdog.h"
 
 #include <OS.h>
@@ -20,6 +21,7 @@
 #include <vector>
 
 namespace fs = std::filesystem;
+using BPrivate::kPortMaxMessageSize;
 
 //! A run of port_peer.
 class Peer {

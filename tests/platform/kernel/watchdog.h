@@ -6,7 +6,8 @@
 #include <stdlib.h>
 #include <thread>
 
-/*!	Ends the test program with a sentence when the block that it guards does not come to its end in time. */
+/*!	Ends the test program with a sentence when the block that it guards does not come to its end in
+	time. */
 class Watchdog {
 public:
 	explicit Watchdog(const char* whatDidNotHappen, int seconds = 60)
