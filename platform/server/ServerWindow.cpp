@@ -187,24 +187,29 @@ ServerWindow::resizeEvent(QResizeEvent*)
 void
 ServerWindow::ReportFrame(bool moved, bool resized)
 {
-	fReported = geometry();
+	// only what is told now: of a move and a resize together each has its own event
+	QRect now = geometry();
+	if (moved)
+		fReported.moveTopLeft(now.topLeft());
+	if (resized)
+		fReported.setSize(now.size());
 	BMessage report;
 	report.AddInt64("when", system_time());
 	report.AddInt64("be:generation", fGeneration);
-	QRect outer = windowHandle() != nullptr ? windowHandle()->frameGeometry() : fReported;
+	QRect outer = windowHandle() != nullptr ? windowHandle()->frameGeometry() : now;
 	report.AddRect("be:decor", to_rect(outer));
-	report.AddRect("be:frame", to_rect(fReported));
+	report.AddRect("be:frame", to_rect(now));
 	if (moved) {
 		BMessage message(report);
 		message.what = B_WINDOW_MOVED;
-		message.AddPoint("where", BPoint(fReported.x(), fReported.y()));
+		message.AddPoint("where", BPoint(now.x(), now.y()));
 		fPort->Send(std::move(message));
 	}
 	if (resized) {
 		BMessage message(report);
 		message.what = B_WINDOW_RESIZED;
-		message.AddInt32("width", fReported.width() - 1);
-		message.AddInt32("height", fReported.height() - 1);
+		message.AddInt32("width", now.width() - 1);
+		message.AddInt32("height", now.height() - 1);
 		fPort->Send(std::move(message));
 	}
 }
