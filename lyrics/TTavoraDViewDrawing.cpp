@@ -107,12 +107,13 @@ TTavoraDView::CreateOffScreen()
 {
 	fPreRenderedLine = -1;
 	fOffScreen = std::make_unique<BBitmap>(Bounds(), B_RGB32, true, false);
-	if (!fOffScreen->IsValid()) {
+	if (!fOffScreen->IsValid() || !fOffScreen->Lock()) {
 		DestroyOffScreen();
 		return;
 	}
 	fOSView = new BView(fOffScreen->Bounds(), "OSView", B_FOLLOW_NONE, 0);
 	fOffScreen->AddChild(fOSView); // the bitmap deletes it
+	fOffScreen->Unlock();
 	SetAppearance(false, true);
 }
 

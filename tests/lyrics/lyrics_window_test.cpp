@@ -189,7 +189,9 @@ TEST_F(WindowTest, RemembersItsSize)
 	ASSERT_TRUE(fWindow->Lock());
 	fWindow->ResizeTo(333, 222);
 	fWindow->Unlock();
-	EXPECT_TRUE(wait_until([] { return gExitState->WindowFrame() == BRect(60, 200, 393, 422); }));
+	EXPECT_TRUE(wait_until([] { return gExitState->WindowFrame() == BRect(60, 200, 393, 422); }))
+		<< gExitState->WindowFrame().left << " " << gExitState->WindowFrame().top << " "
+		<< gExitState->WindowFrame().Width() << " " << gExitState->WindowFrame().Height();
 }
 
 TEST_F(WindowTest, TheCloseButtonHidesAndAppearShows)

@@ -113,9 +113,12 @@ TEST_F(CommManTest, TheSecondFindsTheFirst)
 TEST_F(CommManTest, TwoThatStartAtOnceFindEachOther)
 {
 	for (int round = 0; round < 30; round++) {
-		Manager* a = new Manager("manager a", "manager b");
+		Manager* a = nullptr;
+		std::thread starting([&a] {
+			a = new Manager("manager a", "manager b");
+			a->Run();
+		});
 		Manager* b = new Manager("manager b", "manager a");
-		std::thread starting([a] { a->Run(); });
 		b->Run();
 		starting.join();
 		EXPECT_TRUE(wait_until([&] { return a->Send('a to') == B_OK; })) << round;
