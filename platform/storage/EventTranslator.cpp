@@ -195,8 +195,8 @@ EventTranslator::_EntryMovedTo(
 		from = std::exchange(fMove, std::nullopt);
 
 	struct stat stat;
-	std::optional<ino_t> node = from ? from->node : std::nullopt;
-	if (!node && stat_entry(folder, name, stat))
+	ino_t node = from ? from->node.value_or(0) : 0;
+	if (node == 0 && stat_entry(folder, name, stat))
 		node = stat.st_ino;
 
 	// Moved over another: that one is gone.
@@ -207,19 +207,19 @@ EventTranslator::_EntryMovedTo(
 		if (fList.Find(ref) == NULL)
 			return; // it was watched for the other's sake only
 	}
-	if (!node)
+	if (node == 0)
 		return; // gone again
 	if (from) {
-		_NodeMoved(folder, name, *node, *from);
+		_NodeMoved(folder, name, node, *from);
 		return;
 	}
-	WatchedNode* known = fList.Find(node_ref(folder.ref.device, *node));
+	WatchedNode* known = fList.Find(node_ref(folder.ref.device, node));
 	if (known != NULL && known->name.empty()) {
-		folder.entries[name] = *node;
+		folder.entries[name] = node;
 		fList.Moved(*known, folder, name); // back from out of sight
 	}
 	if (folder.isListed) {
-		folder.entries[name] = *node;
+		folder.entries[name] = node;
 		_SendCreated(folder, name);
 	}
 }
