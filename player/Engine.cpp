@@ -16,6 +16,8 @@ constexpr bigtime_t kRestartTime = 3 * kSecond; // from here on "previous" means
 constexpr bigtime_t kQuickSampleInterval = 250000;
 constexpr bigtime_t kSampleInterval = kSecond;
 constexpr int32 kQuickSamples = 8;
+constexpr bigtime_t kSlowAnswer = 10000;
+constexpr bigtime_t kRetryInterval = 50000;
 
 bigtime_t
 to_microseconds(double seconds)
@@ -525,7 +527,9 @@ Engine::Sample()
 	if (!seconds) // the last sound of the last song is under way
 		return;
 	bigtime_t position = to_microseconds(*seconds);
-	if (fLoaded == nullptr)
+	if (now - before > kSlowAnswer && fLoaded == nullptr)
+		fNextSample = now + kRetryInterval; // of when is it? The clock knows better
+	else if (fLoaded == nullptr)
 		fState.Sample(position, (before + now) / 2);
 	else if (position >= 0)
 		BeginLoadedSong(position);

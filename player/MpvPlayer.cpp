@@ -80,6 +80,22 @@ resolve_all(void* library, MpvFunctions& mpv, std::string& error)
 	return ok;
 }
 
+void
+hear_nothing(const char*, int, const char*, int, const char*, ...)
+{ }
+
+/*!	Without a sound device one of the library's outputs would write twenty lines of its own to the terminal. */
+void
+silence_alsa()
+{
+	using SetHandler = int (*)(decltype(&hear_nothing));
+	void* library = dlopen("libasound.so.2", RTLD_NOW | RTLD_NOLOAD);
+	if (library == nullptr) // not one of this build's outputs
+		return;
+	if (auto set = reinterpret_cast<SetHandler>(dlsym(library, "snd_lib_error_set_handler")))
+		set(hear_nothing);
+}
+
 /*!	The library's functions, opened once and kept; NULL, and why, if that fails. */
 const MpvFunctions*
 load_functions(std::string& error)
@@ -92,6 +108,7 @@ load_functions(std::string& error)
 			sError = dlerror();
 			return false;
 		}
+		silence_alsa();
 		return resolve_all(library, sFunctions, sError);
 	}();
 	error = sError;

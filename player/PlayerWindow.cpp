@@ -61,7 +61,8 @@ time_text(int32 ms)
 	char buffer[32];
 	int32 seconds = ms / 1000;
 	if (seconds >= 3600)
-		snprintf(buffer, sizeof(buffer), "%d:%02d:%02d", seconds / 3600, seconds / 60 % 60, seconds % 60);
+		snprintf(buffer, sizeof(buffer), "%d:%02d:%02d", seconds / 3600, seconds / 60 % 60,
+			seconds % 60);
 	else
 		snprintf(buffer, sizeof(buffer), "%d:%02d", seconds / 60, seconds % 60);
 	return buffer;
@@ -87,9 +88,9 @@ add_on_item(TextKey key, uint32 code, int32 index)
 } // namespace
 
 PlayerWindow::PlayerWindow(PlayState& state, Engine& engine, int32 volume)
-	: BWindow(kFrame, kQuboWindowTitle, B_TITLED_WINDOW, B_ASYNCHRONOUS_CONTROLS)
-	, fState(state)
-	, fEngine(engine)
+	: BWindow(kFrame, kQuboWindowTitle, B_TITLED_WINDOW, B_ASYNCHRONOUS_CONTROLS),
+	  fState(state),
+	  fEngine(engine)
 {
 	BuildMenus();
 	BuildViews(fMenuBar->Frame().bottom + 1);
@@ -192,8 +193,8 @@ PlayerWindow::BuildViews(float top)
 BButton*
 PlayerWindow::AddButton(BView* parent, BPoint& where, const char* label, uint32 code)
 {
-	auto button = new BButton(BRect(where, where + BPoint(80, 26)), label, label, new BMessage(code),
-		B_FOLLOW_LEFT | B_FOLLOW_TOP, B_WILL_DRAW);
+	auto button = new BButton(BRect(where, where + BPoint(80, 26)), label, label,
+		new BMessage(code), B_FOLLOW_LEFT | B_FOLLOW_TOP, B_WILL_DRAW);
 	parent->AddChild(button);
 	where.x = button->Frame().right + kSpace;
 	return button;
@@ -360,7 +361,8 @@ PlayerWindow::OpenRqtd()
 {
 	BMessenger self(this);
 	if (fOpenPanel == nullptr)
-		fOpenPanel.reset(new BFilePanel(B_OPEN_PANEL, &self, nullptr, B_FILE_NODE | B_DIRECTORY_NODE));
+		fOpenPanel.reset(
+			new BFilePanel(B_OPEN_PANEL, &self, nullptr, B_FILE_NODE | B_DIRECTORY_NODE));
 	fOpenPanel->Show();
 }
 
@@ -427,7 +429,8 @@ PlayerWindow::UpdatePosition()
 	set_text(fTime, time_text(info.positionMs) + " / " + time_text(info.lengthMs));
 	fPosition->SetEnabled(info.lengthMs > 0);
 	if (!fDragging && info.lengthMs > 0)
-		fPosition->SetValue(static_cast<int32>(int64(info.positionMs) * kPositionSteps / info.lengthMs));
+		fPosition->SetValue(
+			static_cast<int32>(int64(info.positionMs) * kPositionSteps / info.lengthMs));
 }
 
 void

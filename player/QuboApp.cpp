@@ -255,6 +255,8 @@ QuboApp::AddOnFailed(const std::string& path, const std::string& reason)
 void
 QuboApp::PlayingEndedRqtd(BMessage* message)
 {
+	if (fQuitting)
+		return;
 	bool nothing = !message->GetBool("any", false) && !fLine.files.empty();
 	if (nothing)
 		fExitCode = 1;

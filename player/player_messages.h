@@ -15,7 +15,7 @@ constexpr uint32 kMsgAddOnsGone = 'QAgn';  // add-on host -> application       n
 constexpr uint32 kMsgFinishWatch = 'QWfn'; // application -> lyrics watch      none
 constexpr uint32 kMsgWatchFinished
 	= 'QWfd'; // lyrics watch -> application      "ok" (bool): what was wanted is written
-constexpr uint32 kMsgStartPlaying = 'QAst'; // application -> itself            none
+constexpr uint32 kMsgStartPlaying = 'QAst';     // application -> itself            none
 constexpr uint32 kMsgShowAddOn = 'QAsh';        // window -> application             "index" (int32)
 constexpr uint32 kMsgAddOnPreferences = 'QApr'; // window -> application             "index" (int32)
 constexpr uint32 kMsgAboutAddOn = 'QAab';       // window -> application             "index" (int32)

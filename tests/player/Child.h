@@ -15,7 +15,8 @@
 /*!	A program run by a test. It is killed when it takes longer than the test's patience, so that the test fails instead of hanging. */
 class Child {
 public:
-	Child(const std::vector<std::string>& words, const std::map<std::string, std::string>& environment)
+	Child(const std::vector<std::string>& words,
+		const std::map<std::string, std::string>& environment)
 	{
 		int out[2];
 		int err[2];
@@ -82,11 +83,7 @@ public:
 		return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 	}
 
-	std::string output;
-	std::string errors;
-	double duration = 0; // seconds, after WaitForExit()
-
-private:
+	//! Monotonic time, s.
 	static double Now()
 	{
 		timespec now;
@@ -94,10 +91,16 @@ private:
 		return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 	}
 
+	std::string output;
+	std::string errors;
+	double duration = 0; // seconds, after WaitForExit()
+
+private:
 	//! False when both pipes have ended or the time is over.
 	bool ReadSome(double end)
 	{
-		pollfd polls[2] = {{fOpen[0] ? fPipes[0] : -1, POLLIN, 0}, {fOpen[1] ? fPipes[1] : -1, POLLIN, 0}};
+		pollfd polls[2]
+			= {{fOpen[0] ? fPipes[0] : -1, POLLIN, 0}, {fOpen[1] ? fPipes[1] : -1, POLLIN, 0}};
 		if (!fOpen[0] && !fOpen[1])
 			return false;
 		int left = static_cast<int>((end - Now()) * 1000);

@@ -107,8 +107,9 @@ TEST_F(AddOnHostTest, DrivesAnAddOnFromFirstToLastOnOneThread)
 	host.Show(1); // there is none
 	host.Quit();
 	ASSERT_TRUE(fTold.WaitForGone());
-	EXPECT_THAT(Log(), ElementsAre("NewPlugin", "Init", "About?", "Prefs?", "Init", "About", "Prefs", "Cleanup",
-						   "delete", "unload"));
+	EXPECT_THAT(Log(),
+		ElementsAre("NewPlugin", "Init", "About?", "Prefs?", "Init", "About", "Prefs", "Cleanup",
+			"delete", "unload"));
 	std::ostringstream self;
 	self << std::this_thread::get_id();
 	EXPECT_EQ(fThreads.size(), 1u);
@@ -137,8 +138,11 @@ TEST_F(AddOnHostTest, GoesOnWithoutThoseThatFail)
 	AddOnHost host(Folder(), fTold);
 	ASSERT_TRUE(fTold.WaitForLoaded());
 	EXPECT_EQ(fTold.loaded.size(), 1u);
-	EXPECT_THAT(fTold.failed, ElementsAre(HasSubstr("gen_1_throws.so: no room"), HasSubstr("gen_2_newer.so: it is made for another"),
-								  HasSubstr("gen_3_empty.so: it has no NewPlugin"), HasSubstr("gen_4_text.so: it cannot be loaded")));
+	EXPECT_THAT(fTold.failed,
+		ElementsAre(HasSubstr("gen_1_throws.so: no room"),
+			HasSubstr("gen_2_newer.so: it is made for another"),
+			HasSubstr("gen_3_empty.so: it has no NewPlugin"),
+			HasSubstr("gen_4_text.so: it cannot be loaded")));
 }
 
 TEST_F(AddOnHostTest, NeedsNoFolder)
@@ -159,7 +163,8 @@ TEST_F(AddOnHostTest, PutsAwayWhatIsLoadedWhenItIsDeletedAtOnce)
 		}
 		std::vector<std::string> calls = Log();
 		ASSERT_GE(calls.size(), 3u);
-		EXPECT_THAT(std::vector<std::string>(calls.end() - 3, calls.end()), ElementsAre("Cleanup", "delete", "unload"));
+		EXPECT_THAT(std::vector<std::string>(calls.end() - 3, calls.end()),
+			ElementsAre("Cleanup", "delete", "unload"));
 	}
 }
 

@@ -1,5 +1,5 @@
 /*!	An add-on that tries out its host: it notes in the file that $ADD_ON_LOG names what the front-end protocol answers, and has a
-	window with a view that passes for the lyrics view: a new line every 250 ms of the song. */
+	window with a view that passes for the lyrics view: a new line every 500 ms of the song. */
 
 #include "host/GeneralPlugin.h"
 #include "host/Qubo_FrontEnd.h"
@@ -23,7 +23,7 @@ namespace {
 
 constexpr uint32 kMsgLook = 'look';
 constexpr int32 kPriority = 10;
-constexpr int32 kLineMs = 250;
+constexpr int32 kLineMs = 500;
 
 template<typename... Values>
 void
@@ -35,8 +35,7 @@ note(const Values&... values)
 
 class ProbeView : public BView {
 public:
-	explicit ProbeView(BRect frame)
-		: BView(frame, "TavoraDisplayerView", B_FOLLOW_ALL, B_WILL_DRAW)
+	explicit ProbeView(BRect frame) : BView(frame, "TavoraDisplayerView", B_FOLLOW_ALL, B_WILL_DRAW)
 	{
 		SetViewColor(200, 30, 30);
 		fFrontEnd.StartPolling(kPriority);
@@ -154,7 +153,8 @@ private:
 			if (!fFrontEnd.GetEntry(&entry, i))
 				note("no entry", i);
 			else
-				note("entry", i, entry.Filename(), entry.Title(), entry.time, entry.nr, entry.played);
+				note("entry", i, entry.Filename(), entry.Title(), entry.time, entry.nr,
+					entry.played);
 		}
 		QuboSongEntry current;
 		if (get_current_song_entry(&fFrontEnd, &current))

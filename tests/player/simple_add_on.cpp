@@ -14,7 +14,8 @@ namespace {
 void
 note(const char* what)
 {
-	std::ofstream(getenv("ADD_ON_LOG"), std::ios::app) << what << ' ' << std::this_thread::get_id() << '\n';
+	std::ofstream(getenv("ADD_ON_LOG"), std::ios::app)
+		<< what << ' ' << std::this_thread::get_id() << '\n';
 }
 
 struct Unloading {
