@@ -181,10 +181,10 @@ TEST_F(ViewTest, IsAskedAndWatched)
 
 	Watcher* watcher = new Watcher;
 	watcher->Run();
-	ASSERT_TRUE(fWindow->Lock());
-	fView->StartWatching(BMessenger(watcher), kCurrentLineChanged);
 	const BMessenger view(fView);
-	fWindow->Unlock();
+	ASSERT_TRUE(watcher->Lock());
+	EXPECT_EQ(watcher->StartWatching(view, kCurrentLineChanged), B_OK);
+	watcher->Unlock();
 	ASSERT_TRUE(wait_until([&] {
 		if (!fWindow->Lock())
 			return false;
