@@ -2,6 +2,11 @@
 
 #include <cstdlib>
 
+#include <InterfaceDefs.h>
+
+#include "server/Desktop.h"
+#include "server/ServerLink.h"
+
 #include "plugin/helpers/settings_files.h"
 #include "prefs/TExitState.h"
 #include "prefs/TPref.h"
@@ -9,7 +14,17 @@
 
 namespace {
 
-/*!	A settings directory of the test's own. The display server, which knows the keys, is not needed: without it none is held. */
+void
+hold_keys(uint32 keys)
+{
+	using namespace BPrivate;
+	ServerLink::Default().Call([keys] {
+		Desktop::SetModifierSource([keys] { return keys; });
+		return true;
+	});
+}
+
+/*!	A settings directory of the test's own, and no key held. */
 class SettingsFiles : public testing::Test {
 protected:
 	SettingsFiles()
@@ -17,10 +32,12 @@ protected:
 		setenv("XDG_CONFIG_HOME", (fFolder / "config").c_str(), 1);
 		gPref = new TPref;
 		gExitState = new TExitState;
+		hold_keys(0);
 	}
 
 	~SettingsFiles() override
 	{
+		hold_keys(0);
 		delete gPref;
 		delete gExitState;
 	}
@@ -97,4 +114,39 @@ TEST_F(SettingsFiles, AFileThatCannotBeOpenedIsTold)
 	gPref->fTimeDifference = 12;
 	EXPECT_FALSE(Load());
 	EXPECT_EQ(gPref->fTimeDifference, 12);
+}
+
+TEST_F(SettingsFiles, FourKeysHeldSkipTheSavesAndResetAtTheStart)
+{
+	constexpr uint32 kAll = B_SHIFT_KEY | B_COMMAND_KEY | B_CONTROL_KEY | B_OPTION_KEY;
+	gPref->fTimeDifference = 12;
+	gExitState->SetWindowFrame(BRect(1, 2, 300, 400));
+	ASSERT_TRUE(save_pref(false));
+	ASSERT_TRUE(SaveExitState());
+	const std::string pref = fFolder.Read("config/MERION/Shared/TavoraShared_Prefs.arc");
+	const std::string state = fFolder.Read("config/MERION/TavoraD/TavoraD_ExitStates.arc");
+
+	gPref->fTimeDifference = 13;
+	gExitState->SetWindowFrame(BRect(5, 6, 7, 8));
+	hold_keys(kAll | B_CAPS_LOCK);
+	EXPECT_FALSE(save_pref(false));
+	EXPECT_FALSE(SaveExitState());
+	EXPECT_EQ(fFolder.Read("config/MERION/Shared/TavoraShared_Prefs.arc"), pref);
+	EXPECT_EQ(fFolder.Read("config/MERION/TavoraD/TavoraD_ExitStates.arc"), state);
+	EXPECT_TRUE(save_pref(true));
+	EXPECT_NE(fFolder.Read("config/MERION/Shared/TavoraShared_Prefs.arc"), pref);
+
+	*gPref = TPref();
+	EXPECT_FALSE(Load());
+	EXPECT_EQ(gExitState->WindowFrame(), BRect(5, 6, 7, 8)) << "loaded all the same";
+	hold_keys(0);
+	gPref->fTimeDifference = 99;
+	EXPECT_TRUE(Load());
+	EXPECT_EQ(gPref->fTimeDifference, 0) << "the defaults were not written";
+
+	for (const uint32 missing : {B_SHIFT_KEY, B_COMMAND_KEY, B_CONTROL_KEY, B_OPTION_KEY}) {
+		hold_keys(kAll & ~missing);
+		EXPECT_TRUE(save_pref(false)) << missing;
+		EXPECT_TRUE(Load()) << missing;
+	}
 }
