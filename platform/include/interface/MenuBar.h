@@ -1,0 +1,25 @@
+#pragma once
+
+#include <Menu.h>
+
+/*!	A row of menus at the top of a window. It takes the shortcuts of its items.
+	Thread: with the window's lock. What is changed is shown some time later, all that one message changed at once. */
+class BMenuBar : public BMenu {
+public:
+	//! `resizeToFit`: when it comes into a window, its height becomes what its items need.
+	BMenuBar(BRect frame, const char* name,
+		uint32 resizingMode = B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP,
+		menu_layout layout = B_ITEMS_IN_ROW, bool resizeToFit = true);
+
+	void AttachedToWindow() override;
+	void MessageReceived(BMessage* message) override;
+	void GetPreferredSize(float* width, float* height) override;
+
+private:
+	void TreeChanged() override;
+	void ShowChanges();
+	void ItemChosen(BMessage* event);
+
+	bool fResizeToFit;
+	bool fChangesPosted;
+};
