@@ -56,11 +56,14 @@ stat_entry(const WatchedNode& folder, const std::string& name, struct stat& stat
 	return !folder.path.empty() && lstat(path_in(folder.path, name).c_str(), &stat) == 0;
 }
 
-bool
-is_entry(const WatchedNode& folder, const std::string& name, ino_t node)
+//!	The node that has the name now; unset when nothing has it.
+node_ref
+node_of(const WatchedNode& folder, const std::string& name)
 {
 	struct stat stat;
-	return stat_entry(folder, name, stat) && stat.st_ino == node;
+	if (!stat_entry(folder, name, stat))
+		return node_ref();
+	return node_ref(stat.st_dev, stat.st_ino);
 }
 
 } // namespace
@@ -141,7 +144,7 @@ EventTranslator::_EntryCreated(WatchedNode& folder, const std::string& name)
 	struct stat stat;
 	if (!folder.isListed || !stat_entry(folder, name, stat))
 		return;
-	folder.entries[name] = stat.st_ino;
+	folder.entries[name] = node_ref(stat.st_dev, stat.st_ino);
 	// A second link has nobody who writes it at this moment.
 	if (S_ISREG(stat.st_mode) && stat.st_nlink == 1)
 		fHeld.push_back({folder.ref, name, system_time() + kHoldCreated});
@@ -156,28 +159,28 @@ EventTranslator::_EntryRemoved(WatchedNode& folder, const std::string& name)
 	auto entry = folder.entries.find(name);
 	if (entry == folder.entries.end())
 		return;
-	ino_t number = entry->second;
+	node_ref ref = entry->second;
 	folder.entries.erase(entry);
-	WatchedNode* node = fList.Find(node_ref(folder.ref.device, number));
+	WatchedNode* node = fList.Find(ref);
 	if (node != NULL && (node->folder != folder.ref || node->name != name))
 		node = NULL; // has another name, too
 
 	Targets targets;
 	add_targets(targets, &folder, B_WATCH_DIRECTORY);
 	add_targets(targets, node, B_WATCH_NAME);
-	_Send(make_entry_message(B_ENTRY_REMOVED, folder.ref, name, number), targets);
+	_Send(make_entry_message(B_ENTRY_REMOVED, folder.ref, name, ref.node), targets);
 	// Its number may have been given to the next of that name, and that one is watched already.
-	if (node != NULL && !is_entry(folder, name, number))
-		fList.LostName(*node); // the folder may be gone after this
+	if (node != NULL && node_of(folder, name) == ref)
+		folder.entries[name] = ref;
 	else if (node != NULL)
-		folder.entries[name] = number;
+		fList.LostName(*node); // the folder may be gone after this
 }
 
 void
 EventTranslator::_EntryMovedFrom(WatchedNode& folder, const std::string& name, uint32 cookie)
 {
 	_TellIfHeld(folder.ref, name);
-	fMove = Move{cookie, folder.ref, name, std::nullopt, system_time() + kHoldMove};
+	fMove = Move{cookie, folder.ref, name, node_ref(), system_time() + kHoldMove};
 	auto entry = folder.entries.find(name);
 	if (entry != folder.entries.end()) {
 		fMove->node = entry->second;
@@ -194,47 +197,44 @@ EventTranslator::_EntryMovedTo(
 	if (fMove && fMove->cookie == event.cookie)
 		from = std::exchange(fMove, std::nullopt);
 
-	struct stat stat;
-	ino_t node = from ? from->node.value_or(0) : 0;
-	if (node == 0 && stat_entry(folder, name, stat))
-		node = stat.st_ino;
+	node_ref ref = from ? from->node : node_ref();
+	if (ref == node_ref())
+		ref = node_of(folder, name);
 
 	// Moved over another: that one is gone.
 	auto entry = folder.entries.find(name);
-	if (entry != folder.entries.end() && entry->second != node) {
-		node_ref ref = folder.ref;
+	if (entry != folder.entries.end() && entry->second != ref) {
+		node_ref folderRef = folder.ref;
 		_EntryRemoved(folder, name);
-		if (fList.Find(ref) == NULL)
+		if (fList.Find(folderRef) == NULL)
 			return; // it was watched for the other's sake only
 	}
-	if (node == 0)
+	if (ref == node_ref())
 		return; // gone again
 	if (from) {
-		_NodeMoved(folder, name, node, *from);
+		_NodeMoved(folder, name, ref, *from);
 		return;
 	}
-	WatchedNode* known = fList.Find(node_ref(folder.ref.device, node));
-	if (known != NULL && known->name.empty()) {
-		folder.entries[name] = node;
-		fList.Moved(*known, folder, name); // back from out of sight
-	}
-	if (folder.isListed) {
-		folder.entries[name] = node;
-		_SendCreated(folder, name);
-	}
+	WatchedNode* known = fList.Find(ref);
+	bool isBack = known != NULL && known->name.empty();
+	if (isBack || folder.isListed)
+		folder.entries[name] = ref;
+	if (isBack)
+		fList.Moved(*known, folder, name);
+	_SendCreated(folder, name);
 }
 
 /*!	Within a folder or from one that is watched to another. */
 void
 EventTranslator::_NodeMoved(
-	WatchedNode& folder, const std::string& name, ino_t number, const Move& from)
+	WatchedNode& folder, const std::string& name, const node_ref& ref, const Move& from)
 {
 	WatchedNode* fromFolder = fList.Find(from.folder);
-	WatchedNode* node = fList.Find(node_ref(folder.ref.device, number));
+	WatchedNode* node = fList.Find(ref);
 	if (folder.isListed || node != NULL)
-		folder.entries[name] = number;
+		folder.entries[name] = ref;
 
-	BMessage message = make_message(B_ENTRY_MOVED, folder.ref.device, number);
+	BMessage message = make_message(B_ENTRY_MOVED, folder.ref.device, ref.node);
 	message.AddInt64("from directory", static_cast<int64>(from.folder.node));
 	message.AddInt64("to directory", static_cast<int64>(folder.ref.node));
 	message.AddString("name", name.c_str());
@@ -285,9 +285,9 @@ void
 EventTranslator::_CompareEntries(WatchedNode& folder)
 {
 	node_ref ref = folder.ref;
-	std::map<std::string, ino_t> known = folder.entries;
+	std::map<std::string, node_ref> known = folder.entries;
 	for (const auto& [name, node] : known) {
-		if (!is_entry(folder, name, node))
+		if (node_of(folder, name) != node)
 			_EntryRemoved(folder, name);
 		if (fList.Find(ref) == NULL)
 			return;
@@ -298,9 +298,9 @@ EventTranslator::_CompareEntries(WatchedNode& folder)
 	for (std::filesystem::directory_iterator entry(folder.path, error), end; !error && entry != end;
 		 entry.increment(error)) {
 		std::string name = entry->path().filename();
-		struct stat stat;
-		if (folder.entries.count(name) == 0 && stat_entry(folder, name, stat)) {
-			folder.entries[name] = stat.st_ino;
+		node_ref node = node_of(folder, name);
+		if (folder.entries.count(name) == 0 && node != node_ref()) {
+			folder.entries[name] = node;
 			_SendCreated(folder, name);
 		}
 	}
@@ -338,9 +338,9 @@ EventTranslator::_EndMove()
 {
 	Move move = *std::exchange(fMove, std::nullopt);
 	WatchedNode* folder = fList.Find(move.folder);
-	if (folder == NULL || !move.node)
+	if (folder == NULL || move.node == node_ref())
 		return;
-	folder->entries[move.name] = *move.node;
+	folder->entries[move.name] = move.node;
 	_EntryRemoved(*folder, move.name);
 }
 
@@ -352,7 +352,7 @@ EventTranslator::_SendCreated(WatchedNode& folder, const std::string& name)
 		return;
 	Targets targets;
 	add_targets(targets, &folder, B_WATCH_DIRECTORY);
-	_Send(make_entry_message(B_ENTRY_CREATED, folder.ref, name, entry->second), targets);
+	_Send(make_entry_message(B_ENTRY_CREATED, folder.ref, name, entry->second.node), targets);
 }
 
 void

@@ -44,7 +44,7 @@ private:
 		uint32 cookie;
 		node_ref folder;
 		std::string name;
-		std::optional<ino_t> node;
+		node_ref node; // unset when it was not seen before
 		bigtime_t time;
 	};
 	using Targets = std::vector<BMessenger>;
@@ -56,7 +56,8 @@ private:
 	void _EntryRemoved(WatchedNode& folder, const std::string& name);
 	void _EntryMovedFrom(WatchedNode& folder, const std::string& name, uint32 cookie);
 	void _EntryMovedTo(WatchedNode& folder, const std::string& name, const inotify_event& event);
-	void _NodeMoved(WatchedNode& folder, const std::string& name, ino_t node, const Move& from);
+	void _NodeMoved(
+		WatchedNode& folder, const std::string& name, const node_ref& ref, const Move& from);
 	void _NodeGone(WatchedNode& node);
 	void _EventsLost();
 	void _CompareEntries(WatchedNode& folder);

@@ -213,7 +213,7 @@ WatchList::_HoldFolder(WatchedNode& node)
 	if (_Watch(path, node.folder, &folder) != B_OK)
 		return;
 	folder->holders++;
-	folder->entries.emplace(node.name, node.ref.node);
+	folder->entries.emplace(node.name, node.ref);
 	node.holdsFolder = true;
 }
 
@@ -241,7 +241,7 @@ WatchList::_ListIfNeeded(WatchedNode& folder)
 		 entry.increment(error)) {
 		struct stat stat;
 		if (lstat(entry->path().c_str(), &stat) == 0)
-			folder.entries.emplace(entry->path().filename(), stat.st_ino);
+			folder.entries.emplace(entry->path().filename(), node_ref(stat.st_dev, stat.st_ino));
 	}
 	folder.isListed = true;
 }

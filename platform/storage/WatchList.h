@@ -28,9 +28,11 @@ struct WatchedNode {
 	std::string name; // "" when it has been removed or moved out of sight
 	bool holdsFolder = false;
 
-	int32 holders = 0;                    // nodes that need this folder to be watched
-	bool isListed = false;                // entries has all of them, else those of watched nodes
-	std::map<std::string, ino_t> entries; // as the watchers were told, not as it is right now
+	int32 holders = 0;     // nodes that need this folder to be watched
+	bool isListed = false; // entries has all of them, else those of watched nodes
+	// As the watchers were told, not as it is right now. Some file systems give files another device
+	// than their folder's.
+	std::map<std::string, node_ref> entries;
 
 	bool IsWatchedFor(uint32 flags) const;
 };
