@@ -1,5 +1,6 @@
 #include "app/MessageBody.h"
 
+#include <algorithm>
 #include <functional>
 #include <string.h>
 #include <string>
@@ -85,6 +86,10 @@ MessageBody::Adopt(const std::array<int32, kBuckets>& table, std::vector<FieldHe
 	}
 	if (total > data.size() || !LinksAreSound())
 		return false;
+	for (int32& first : fTable)
+		first = std::max(first, -1);
+	for (FieldHeader& field : fFields)
+		field.next = std::max(field.next, -1);
 	Pack(std::move(data));
 	return true;
 }

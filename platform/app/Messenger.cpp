@@ -224,5 +224,7 @@ MessengerAccess::TokenOf(const BHandler* handler)
 team_id
 BPrivate::current_team()
 {
-	return team_id(getpid());
+	// asked for with every message; nothing here runs in a forked child
+	static const team_id sTeam = team_id(getpid());
+	return sTeam;
 }
