@@ -157,8 +157,12 @@ TTavoraDWin::HostWindowMoved()
 	BRect host;
 	if (!fHasOffset || get_qubo_win_frame(&host) != 0)
 		return;
+	// A notice that comes late must not undo what the user has done meanwhile.
+	if (host.LeftTop() == fHostPlace)
+		return;
+	fHostPlace = host.LeftTop();
 	BRect frame = Frame();
-	frame.OffsetTo(host.LeftTop() + fOffset);
+	frame.OffsetTo(fHostPlace + fOffset);
 	const BPoint place = merion::keep_on_screen(frame, merion::screen_frames());
 	if (place == Frame().LeftTop())
 		return;
@@ -205,7 +209,8 @@ TTavoraDWin::RememberOffset()
 	BRect host;
 	if (get_qubo_win_frame(&host) != 0)
 		return;
-	fOffset = Frame().LeftTop() - host.LeftTop();
+	fHostPlace = host.LeftTop();
+	fOffset = Frame().LeftTop() - fHostPlace;
 	fHasOffset = true;
 }
 

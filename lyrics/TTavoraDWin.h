@@ -46,6 +46,7 @@ private:
 
 	BWindow* fHostWindow = nullptr; // may be gone: only its Lock() tells
 	TWMFilter* fFilter = nullptr;   // belongs to the host's window
+	BPoint fHostPlace;              // where it was last seen
 	BPoint fOffset;                 // from the host's window to this one, as the user wants it
 	bool fHasOffset = false;
 	std::deque<BPoint> fOwnMoves; // places that following asked for, from the last reported one on
