@@ -23,7 +23,7 @@ public:
 	thread_id Run() override;
 	//! Ends Run(); the object stays. Any thread that has the lock.
 	void Quit() override;
-	//! Asks all windows; those quit, and the application does, when all say yes.
+	//! Asks the windows one after the other and quits each that agrees; false at the first that refuses.
 	bool QuitRequested() override;
 
 	//! Hooks, in this order at the start: arguments (if any), then ReadyToRun().
