@@ -275,7 +275,7 @@ Engine::StartPlayer()
 	if (fPlayer != nullptr)
 		return true;
 	std::string error;
-	fPlayer = MpvPlayer::Create(error);
+	fPlayer = MpvPlayer::Create(MpvPlayer::kForPlaying, error);
 	if (fPlayer == nullptr) {
 		fListener.EngineFailed(error);
 		return false;
@@ -379,9 +379,7 @@ Engine::FileLoaded()
 {
 	if (fStarting < 0)
 		return;
-	fLoaded.reset(new PlayState::SongStart{fStarting, fPlayer->Text("metadata/by-key/artist"),
-		fPlayer->Text("metadata/by-key/title"),
-		to_microseconds(fPlayer->Number("duration").value_or(0))});
+	fLoaded.reset(new Loaded{fStarting, fPlayer->Tags()});
 	fLoadedStart = B_INFINITE_TIMEOUT;
 	fStarting = -1;
 	fPlayer->SetText("start", "none"); // was meant for this song only
@@ -461,7 +459,7 @@ Engine::PropertyChanged(const mpv_event_property& property)
 	} else if (name == "duration" && property.format == MPV_FORMAT_DOUBLE && fStarting < 0) {
 		bigtime_t length = to_microseconds(*static_cast<double*>(property.data));
 		if (fLoaded != nullptr)
-			fLoaded->length = length;
+			fLoaded->tags.length = length;
 		else
 			fState.SetLength(length);
 		fListener.PlayingChanged();
@@ -540,7 +538,7 @@ Engine::Sample()
 void
 Engine::BeginLoadedSong(bigtime_t position)
 {
-	fState.StartSong(*fLoaded, position);
+	fState.StartSong(fLoaded->index, fLoaded->tags, position);
 	fState.Sample(position, system_time());
 	fLoaded.reset();
 	fAnyPlayed = true;

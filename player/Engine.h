@@ -72,6 +72,11 @@ private:
 		int32 index = 0;
 		bool fade = false;
 	};
+	//! A song that is loaded, while the sound before it is still heard.
+	struct Loaded {
+		int32 index;
+		SongTags tags;
+	};
 	struct Fade {
 		Command next;
 		bigtime_t start;
@@ -128,7 +133,7 @@ private:
 	// the engine's thread only
 	std::unique_ptr<MpvPlayer> fPlayer;
 	std::vector<int64_t> fIds; // of our songs in the player's list, in the same order
-	std::unique_ptr<PlayState::SongStart> fLoaded; // loaded, but the sound before it is still heard
+	std::unique_ptr<Loaded> fLoaded;
 	std::unique_ptr<Fade> fFade;
 	int32 fStarting = -1; // the song that is being opened
 	int32 fVolume = 100;

@@ -1,5 +1,6 @@
 #include "MpvPlayer.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <vector>
 
@@ -118,13 +119,13 @@ load_functions(std::string& error)
 } // namespace
 
 std::unique_ptr<MpvPlayer>
-MpvPlayer::Create(std::string& error)
+MpvPlayer::Create(Use use, std::string& error)
 {
 	const MpvFunctions* functions = load_functions(error);
 	if (functions == nullptr)
 		return nullptr;
 	std::unique_ptr<MpvPlayer> player(new MpvPlayer(*functions));
-	return player->Start(error) ? std::move(player) : nullptr;
+	return player->Start(use, error) ? std::move(player) : nullptr;
 }
 
 MpvPlayer::MpvPlayer(const MpvFunctions& functions) : fMpv(functions) { }
@@ -136,7 +137,7 @@ MpvPlayer::~MpvPlayer()
 }
 
 bool
-MpvPlayer::Start(std::string& error)
+MpvPlayer::Start(Use use, std::string& error)
 {
 	fHandle = fMpv.create();
 	if (fHandle == nullptr) {
@@ -144,18 +145,28 @@ MpvPlayer::Start(std::string& error)
 		return false;
 	}
 	for (auto [name, value] : kOptions) {
-		if (int status = fMpv.setOptionString(fHandle, name, value); status < 0) {
-			error = std::string(name) + ": " + fMpv.errorString(status);
+		if (!SetOption(name, value, error))
 			return false;
-		}
 	}
-	if (std::string output = WantedOutput(); !output.empty())
-		fMpv.setOptionString(fHandle, "ao", output.c_str());
+	std::string output = use == kForReading ? "null" : WantedOutput();
+	if (!output.empty() && !SetOption("ao", output.c_str(), error))
+		return false;
+	if (use == kForReading && !SetOption("pause", "yes", error))
+		return false;
 	if (int status = fMpv.initialize(fHandle); status < 0) {
 		error = fMpv.errorString(status);
 		return false;
 	}
 	return true;
+}
+
+bool
+MpvPlayer::SetOption(const char* name, const char* value, std::string& error)
+{
+	int status = fMpv.setOptionString(fHandle, name, value);
+	if (status < 0)
+		error = std::string(name) + ": " + fMpv.errorString(status);
+	return status >= 0;
 }
 
 bool
@@ -219,6 +230,13 @@ MpvPlayer::Text(const char* property)
 	std::string text = value != nullptr ? value : "";
 	fMpv.free(value);
 	return text;
+}
+
+SongTags
+MpvPlayer::Tags()
+{
+	return {Text("metadata/by-key/artist"), Text("metadata/by-key/title"),
+		std::llround(Number("duration").value_or(0) * 1e6)};
 }
 
 void

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Playlist.h"
+
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -14,8 +16,9 @@ struct MpvFunctions;
 	Thread: one, but for Wakeup(), which may be called from any while the object lives. */
 class MpvPlayer {
 public:
-	//! A player that plays sound only. NULL, and the reason in `error`, if there is none to be had.
-	static std::unique_ptr<MpvPlayer> Create(std::string& error);
+	enum Use { kForPlaying, kForReading };
+	//! A player of sound only, for reading a silent one. NULL, and the reason in `error`, if there is none to be had.
+	static std::unique_ptr<MpvPlayer> Create(Use use, std::string& error);
 	~MpvPlayer();
 
 	bool Command(std::initializer_list<const char*> words);
@@ -27,6 +30,8 @@ public:
 	bool SetNumber(const char* property, double value);
 	std::optional<double> Number(const char* property);
 	std::string Text(const char* property); // "" if there is none
+	//! Of the loaded file.
+	SongTags Tags();
 
 	void Observe(const char* property, mpv_format format);
 	//! The next event, MPV_EVENT_NONE after `seconds` or a Wakeup(). Good until the next call.
@@ -39,7 +44,8 @@ public:
 
 private:
 	explicit MpvPlayer(const MpvFunctions& functions);
-	[[nodiscard]] bool Start(std::string& error);
+	[[nodiscard]] bool Start(Use use, std::string& error);
+	bool SetOption(const char* name, const char* value, std::string& error);
 
 	const MpvFunctions& fMpv;
 	mpv_handle* fHandle = nullptr;

@@ -2,22 +2,9 @@
 
 #include "song_title.h"
 
-#include <algorithm>
 #include <cstring>
-#include <limits>
 
 static_assert(kSongTitleBytes + 1 == sizeof(QuboInfo::title));
-
-namespace {
-
-int32
-to_ms(bigtime_t time)
-{
-	return static_cast<int32>(
-		std::clamp<bigtime_t>(time / 1000, 0, std::numeric_limits<int32>::max()));
-}
-
-} // namespace
 
 int32
 PlayState::Add(const std::string& path)
@@ -59,17 +46,26 @@ PlayState::CurrentIndex() const
 }
 
 void
-PlayState::StartSong(const SongStart& song, bigtime_t position)
+PlayState::StartSong(int32 index, const SongTags& tags, bigtime_t position)
 {
 	std::lock_guard lock(fLock);
-	fPlaylist.SetTags(song.index, song.artist, song.title);
-	fPlaylist.SetLength(song.index, to_ms(song.length));
-	fPlaylist.SetPlayed(song.index);
-	fCurrent = song.index;
-	fLength = song.length;
+	fPlaylist.SetTags(index, tags);
+	fPlaylist.SetPlayed(index);
+	fCurrent = index;
+	fLength = tags.length;
 	fState = fPaused ? kPaused : kPlaying;
-	fClock.SetLength(song.length);
+	fClock.SetLength(tags.length);
 	fClock.Jump(position);
+}
+
+bool
+PlayState::Describe(int32 index, const SongTags& tags)
+{
+	std::lock_guard lock(fLock);
+	if (index == fCurrent)
+		return false;
+	fPlaylist.SetTags(index, tags);
+	return true;
 }
 
 void
@@ -84,7 +80,7 @@ PlayState::SetLength(bigtime_t length)
 {
 	std::lock_guard lock(fLock);
 	fLength = length;
-	fPlaylist.SetLength(fCurrent, to_ms(length));
+	fPlaylist.SetLength(fCurrent, length);
 	fClock.SetLength(length);
 }
 

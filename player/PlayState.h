@@ -21,19 +21,16 @@ public:
 	int32 CountEntries() const;
 	//! False, `entry` untouched, if there is no such index.
 	[[nodiscard]] bool GetEntry(int32 index, PlaylistEntry& entry) const;
+	/*!	Names a song that is still to be played. False, and nothing done, for the one that plays: its title stays what add-ons
+		have been told. */
+	bool Describe(int32 index, const SongTags& tags);
 	//! See Playlist.
 	int32 NextPlayable(int32 index, int32 step) const;
 	int32 CurrentIndex() const; // -1 before the first song
 
 	// the engine's side
-	/*!	From here on `index` is what plays, from `position`, named by its tags. */
-	struct SongStart {
-		int32 index = -1;
-		std::string artist;
-		std::string title;
-		bigtime_t length = 0; // 0: unknown
-	};
-	void StartSong(const SongStart& song, bigtime_t position);
+	//! From here on `index` is what plays, from `position`, named by its tags.
+	void StartSong(int32 index, const SongTags& tags, bigtime_t position);
 	void SetFailed(int32 index, bool failed);
 	void SetLength(bigtime_t length);
 	void SetPaused(bool paused);

@@ -1,14 +1,12 @@
 #include "PlayerWindow.h"
 
 #include "Engine.h"
-#include "Texts.h"
 #include "media_files.h"
 #include "player_messages.h"
 
 #include <Application.h>
 #include <Button.h>
 #include <Entry.h>
-#include <FilePanel.h>
 #include <ListView.h>
 #include <Menu.h>
 #include <MenuBar.h>
@@ -29,7 +27,6 @@ namespace {
 
 // Of this window's controls and menus, to itself.
 constexpr uint32 kMsgPulse = 'PWpl';
-constexpr uint32 kMsgOpen = 'PWop';
 constexpr uint32 kMsgTogglePause = 'PWtp';
 constexpr uint32 kMsgPrevious = 'PWpv';
 constexpr uint32 kMsgNext = 'PWnx';
@@ -43,7 +40,7 @@ constexpr uint32 kMsgPositionChosen = 'PWpc';
 constexpr uint32 kMsgVolumeChosen = 'PWvc';
 constexpr uint32 kMsgPlayEntry = 'PWpe'; // "index" (int32)
 
-constexpr BRect kFrame(100, 100, 519, 519);
+const BRect kFrame(100, 100, 519, 519);
 constexpr float kMinWidth = 380;
 constexpr float kMinHeight = 300;
 constexpr float kSpace = 8;
@@ -71,7 +68,7 @@ time_text(int32 ms)
 void
 set_text(BStringView* view, const std::string& text)
 {
-	if (text != view->Text())
+	if (view->Text() == nullptr || text != view->Text())
 		view->SetText(text.c_str());
 }
 
@@ -79,7 +76,7 @@ BMenuItem*
 add_on_item(TextKey key, uint32 code, int32 index)
 {
 	auto message = new BMessage(code);
-	message->AddInt32("index", index);
+	message->AddInt32(kAddOnField, index); // "index" is the item's in its menu
 	auto item = new BMenuItem(text(key), message);
 	item->SetTarget(be_app);
 	return item;
@@ -100,7 +97,12 @@ PlayerWindow::PlayerWindow(PlayState& state, Engine& engine, int32 volume)
 	fPulse.reset(new BMessageRunner(BMessenger(this), BMessage(kMsgPulse), kPulse));
 }
 
-PlayerWindow::~PlayerWindow() = default;
+PlayerWindow::~PlayerWindow()
+{
+	for (int32 i = 0; i < fList->CountItems(); i++)
+		delete fList->ItemAt(i);
+	fList->MakeEmpty();
+}
 
 // #pragma mark - views
 
@@ -109,8 +111,6 @@ PlayerWindow::BuildMenus()
 {
 	fMenuBar = new BMenuBar(BRect(0, 0, Bounds().right, 20), "Menus");
 	auto file = new BMenu(text(kTextFileMenu));
-	file->AddItem(new BMenuItem(text(kTextOpen), new BMessage(kMsgOpen), 'O'));
-	file->AddSeparatorItem();
 	file->AddItem(new BMenuItem(text(kTextQuit), new BMessage(B_QUIT_REQUESTED), 'Q'));
 	fMenuBar->AddItem(file);
 	fMenuBar->AddItem(BuildPlaybackMenu());
@@ -169,9 +169,9 @@ PlayerWindow::BuildViews(float top)
 	back->AddChild(fTime);
 
 	BPoint where(kSpace, row.bottom + kSpace);
-	AddButton(back, where, text(kTextPrevious), kMsgPrevious);
-	fPlay = AddButton(back, where, text(kTextPause), kMsgTogglePause);
-	AddButton(back, where, text(kTextNext), kMsgNext);
+	AddButton(back, where, "Previous", kTextPrevious, kMsgPrevious);
+	fPlay = AddButton(back, where, "Play", kTextPlay, kMsgTogglePause);
+	AddButton(back, where, "Next", kTextNext, kMsgNext);
 	row.Set(right - kVolumeWidth, where.y, right, fPlay->Frame().bottom);
 	fVolume = new BSlider(row, "Volume", nullptr, new BMessage(kMsgVolumeChosen), 0, 100,
 		B_BLOCK_THUMB, B_FOLLOW_RIGHT | B_FOLLOW_TOP);
@@ -191,9 +191,9 @@ PlayerWindow::BuildViews(float top)
 
 //! At `where`, which moves on to the right.
 BButton*
-PlayerWindow::AddButton(BView* parent, BPoint& where, const char* label, uint32 code)
+PlayerWindow::AddButton(BView* parent, BPoint& where, const char* name, TextKey label, uint32 code)
 {
-	auto button = new BButton(BRect(where, where + BPoint(80, 26)), label, label,
+	auto button = new BButton(BRect(where, where + BPoint(80, 26)), name, text(label),
 		new BMessage(code), B_FOLLOW_LEFT | B_FOLLOW_TOP, B_WILL_DRAW);
 	parent->AddChild(button);
 	where.x = button->Frame().right + kSpace;
@@ -254,9 +254,6 @@ PlayerWindow::MessageReceived(BMessage* message)
 			break;
 		case kMsgPlayEntry:
 			EntryInvoked(message);
-			break;
-		case kMsgOpen:
-			OpenRqtd();
 			break;
 		case B_SIMPLE_DATA:
 		case B_REFS_RECEIVED:
@@ -354,16 +351,6 @@ PlayerWindow::EntryInvoked(BMessage* message)
 	int32 index;
 	if (message->FindInt32("index", &index) == B_OK)
 		fEngine.Play(index);
-}
-
-void
-PlayerWindow::OpenRqtd()
-{
-	BMessenger self(this);
-	if (fOpenPanel == nullptr)
-		fOpenPanel.reset(
-			new BFilePanel(B_OPEN_PANEL, &self, nullptr, B_FILE_NODE | B_DIRECTORY_NODE));
-	fOpenPanel->Show();
 }
 
 //! They go to the end of the list, and play when nothing does.

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "PlayState.h"
+#include "Texts.h"
 
 #include <Window.h>
 
 #include <memory>
 
 class BButton;
-class BFilePanel;
 class BListView;
 class BMenu;
 class BMenuBar;
@@ -32,7 +32,7 @@ private:
 	void BuildMenus();
 	BMenu* BuildPlaybackMenu();
 	void BuildViews(float top);
-	BButton* AddButton(BView* parent, BPoint& where, const char* label, uint32 code);
+	BButton* AddButton(BView* parent, BPoint& where, const char* name, TextKey label, uint32 code);
 
 	bool KeyPressed(BMessage* message);
 	void TogglePauseRqtd();
@@ -41,7 +41,6 @@ private:
 	void VolumeChosen();
 	void StepVolume(int32 step);
 	void EntryInvoked(BMessage* message);
-	void OpenRqtd();
 	void FilesDropped(BMessage* message);
 	void AddOnsLoaded(BMessage* message);
 	void ProblemTold(BMessage* message);
@@ -61,7 +60,6 @@ private:
 	BSlider* fVolume = nullptr;
 	BButton* fPlay = nullptr;
 	BListView* fList = nullptr;
-	std::unique_ptr<BFilePanel> fOpenPanel;
 	std::unique_ptr<BMessageRunner> fPulse;
 	bool fDragging = false; // the position is in the user's hand
 };

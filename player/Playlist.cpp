@@ -2,6 +2,9 @@
 
 #include "song_title.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 
 std::string
@@ -11,6 +14,13 @@ file_name(const std::string& path)
 }
 
 } // namespace
+
+int32
+to_ms(bigtime_t time)
+{
+	constexpr bigtime_t kLast = std::numeric_limits<int32>::max();
+	return static_cast<int32>(std::clamp<bigtime_t>(time / 1000, 0, kLast));
+}
 
 int32
 Playlist::Add(const std::string& path)
@@ -30,12 +40,13 @@ Playlist::EntryAt(int32 index) const
 }
 
 void
-Playlist::SetTags(int32 index, const std::string& artist, const std::string& title)
+Playlist::SetTags(int32 index, const SongTags& tags)
 {
 	if (!IsValid(index))
 		return;
+	SetLength(index, tags.length);
 	PlaylistEntry& entry = fEntries[index];
-	std::string name = song_title(artist, title, file_name(entry.path));
+	std::string name = song_title(tags.artist, tags.title, file_name(entry.path));
 	if (name == entry.name) // played again, it keeps its number
 		return;
 	fTitles.erase(entry.title);
@@ -44,10 +55,10 @@ Playlist::SetTags(int32 index, const std::string& artist, const std::string& tit
 }
 
 void
-Playlist::SetLength(int32 index, int32 lengthMs)
+Playlist::SetLength(int32 index, bigtime_t length)
 {
 	if (IsValid(index))
-		fEntries[index].lengthMs = lengthMs;
+		fEntries[index].lengthMs = to_ms(length);
 }
 
 void

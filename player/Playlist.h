@@ -7,6 +7,13 @@
 
 #include <SupportDefs.h>
 
+/*!	What a file says about its song. */
+struct SongTags {
+	std::string artist;
+	std::string title;
+	bigtime_t length = 0; // µs, 0: unknown
+};
+
 /*!	One song of the playlist. */
 struct PlaylistEntry {
 	std::string path;   // absolute
@@ -16,6 +23,9 @@ struct PlaylistEntry {
 	bool played = false;
 	bool failed = false; // it could not be played
 };
+
+//! µs in the protocol's unit: ms, not below 0.
+int32 to_ms(bigtime_t time);
 
 /*!	The songs in their order, under titles of which no two are equal. Plain data: PlayState guards it. */
 class Playlist {
@@ -27,9 +37,9 @@ public:
 	//! NULL if there is no such index. Good until the next Add().
 	const PlaylistEntry* EntryAt(int32 index) const;
 
-	//! Names the song by its tags, numbered if another song has the name; without tags by its file's name.
-	void SetTags(int32 index, const std::string& artist, const std::string& title);
-	void SetLength(int32 index, int32 lengthMs);
+	/*!	Names the song by its tags, numbered if another song has the name; without tags by its file's name. The length is set as well. */
+	void SetTags(int32 index, const SongTags& tags);
+	void SetLength(int32 index, bigtime_t length);
 	void SetPlayed(int32 index);
 	void SetFailed(int32 index, bool failed);
 

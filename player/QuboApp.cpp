@@ -33,6 +33,7 @@ QuboApp::QuboApp(const CommandLine& line)
 	: BApplication(kQuboSignature),
 	  fLine(line),
 	  fEngine(fState, *this),
+	  fTags(fState, [this] { fWindow.SendMessage(kMsgPlayingChanged); }),
 	  fFrontEnd(fState, fEngine)
 {
 	// The toolkit below takes over the user's locale; the player library insists on its numbers being C's.
@@ -177,7 +178,7 @@ void
 QuboApp::AddOnRqtd(BMessage* message)
 {
 	int32 index;
-	if (fAddOns == nullptr || message->FindInt32("index", &index) != B_OK)
+	if (fAddOns == nullptr || message->FindInt32(kAddOnField, &index) != B_OK)
 		return;
 	if (message->what == kMsgShowAddOn)
 		fAddOns->Show(index);
@@ -191,6 +192,7 @@ void
 QuboApp::PlayingChanged()
 {
 	fWindow.SendMessage(kMsgPlayingChanged);
+	fTags.Wake();
 }
 
 void

@@ -5,6 +5,7 @@
 #include "Engine.h"
 #include "FrontEndServer.h"
 #include "PlayState.h"
+#include "TagReader.h"
 
 #include <Application.h>
 #include <Messenger.h>
@@ -62,6 +63,7 @@ private:
 	BMessenger fWindow;
 	BMessenger fWatch;
 	Engine fEngine;
+	TagReader fTags;
 	FrontEndServer fFrontEnd;
 	std::unique_ptr<AddOnHost> fAddOns;
 	int fExitCode = 0;

@@ -16,6 +16,8 @@ constexpr uint32 kMsgFinishWatch = 'QWfn'; // application -> lyrics watch      n
 constexpr uint32 kMsgWatchFinished
 	= 'QWfd'; // lyrics watch -> application      "ok" (bool): what was wanted is written
 constexpr uint32 kMsgStartPlaying = 'QAst';     // application -> itself            none
-constexpr uint32 kMsgShowAddOn = 'QAsh';        // window -> application             "index" (int32)
-constexpr uint32 kMsgAddOnPreferences = 'QApr'; // window -> application             "index" (int32)
-constexpr uint32 kMsgAboutAddOn = 'QAab';       // window -> application             "index" (int32)
+constexpr uint32 kMsgShowAddOn = 'QAsh';        // window -> application             kAddOnField
+constexpr uint32 kMsgAddOnPreferences = 'QApr'; // window -> application             kAddOnField
+constexpr uint32 kMsgAboutAddOn = 'QAab';       // window -> application             kAddOnField
+
+constexpr const char* kAddOnField = "add-on"; // int32, the index that the add-on host gave it

@@ -1,6 +1,6 @@
 #include "player/AddOnHost.h"
 
-#include "TempFolder.h"
+#include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
 #include "player/Engine.h"
+#include "player/TagReader.h"
 
-#include "TempFolder.h"
 #include "WaveFile.h"
+#include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
 
@@ -81,7 +82,7 @@ class EngineTest : public testing::Test {
 protected:
 	static void SetUpTestSuite() { setenv("QUBO_AO", "null", 1); }
 
-	std::string Path(const std::string& name) const { return fDir.Path() + "/" + name; }
+	std::string Path(const std::string& name) const { return fDir / name; }
 
 	int32 AddWave(const std::string& name, double seconds, const std::string& title = "",
 		const std::string& artist = "")
@@ -92,8 +93,7 @@ protected:
 
 	int32 AddText(const std::string& name, const std::string& text)
 	{
-		std::ofstream(Path(name)) << text;
-		return fState.Add(Path(name));
+		return fState.Add(fDir.Write(name, text));
 	}
 
 	std::string Title() const { return fState.Info().title; }
@@ -315,6 +315,28 @@ TEST_F(EngineTest, PlaysWhatIsAddedLater)
 	ASSERT_TRUE(fTold.WaitFor([&] { return fTold.ended == 2; }));
 	fEngine.Resume(); // once more
 	ASSERT_TRUE(fTold.WaitFor([&] { return fTold.ended == 3; }));
+}
+
+TEST_F(EngineTest, SongsAreNamedBeforeTheyPlay)
+{
+	AddWave("1.wav", 20, "One", "Band");
+	AddText("2.wav", "This is no music.\n");
+	AddWave("3.wav", 0.5, "Three", "Band");
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForTitle("Band - One"));
+	TagReader reader(fState, [] {});
+	reader.Wake();
+	PlaylistEntry entry;
+	ASSERT_TRUE(
+		fTold.WaitFor([&] { return fState.GetEntry(2, entry) && entry.title == "Band - Three"; }));
+	EXPECT_EQ(entry.lengthMs, 500);
+	EXPECT_FALSE(entry.played);
+	AddWave("4.wav", 0.5, "Three", "Band");
+	reader.Wake();
+	ASSERT_TRUE(fTold.WaitFor(
+		[&] { return fState.GetEntry(3, entry) && entry.title == "Band - Three (2)"; }));
+	EXPECT_FALSE(fState.Describe(0, {"Other", "Name"})); // not while it plays
+	EXPECT_EQ(Title(), "Band - One");
 }
 
 TEST(EngineEnd, ComesAtOnceWhateverItDoes)

@@ -2,7 +2,7 @@
 #include "player/media_files.h"
 #include "player/song_title.h"
 
-#include "TempFolder.h"
+#include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
 
@@ -95,8 +95,8 @@ TEST(Playlist, KeepsTheNumberOfASongThatIsPlayedAgain)
 	list.Add("/a.ogg");
 	list.Add("/b.ogg");
 	for (int32 round = 0; round < 3; round++) {
-		list.SetTags(0, "Band", "Song");
-		list.SetTags(1, "Band", "Song");
+		list.SetTags(0, {"Band", "Song"});
+		list.SetTags(1, {"Band", "Song"});
 		EXPECT_EQ(list.EntryAt(0)->title, "Band - Song");
 		EXPECT_EQ(list.EntryAt(1)->title, "Band - Song (2)");
 	}
@@ -121,7 +121,7 @@ TEST(Playlist, HasOnlyUniqueShortTitlesWhateverTheTags)
 	for (int i = 0; i < 60; i++)
 		list.Add("/" + names[random() % 6]);
 	for (int i = 0; i < 500; i++)
-		list.SetTags(static_cast<int32>(random() % 60), "", names[random() % 7]);
+		list.SetTags(static_cast<int32>(random() % 60), {"", names[random() % 7]});
 	std::vector<std::string> titles;
 	for (int32 i = 0; i < list.CountEntries(); i++) {
 		titles.push_back(list.EntryAt(i)->title);

@@ -112,7 +112,7 @@ TEST(PlayState, TellsSongTitleAndPositionTogether)
 	EXPECT_EQ(info.state, PlayState::kStopped);
 	EXPECT_STREQ(info.title, "");
 
-	state.StartSong({0, "Band", "One", 8 * kSecond}, 0);
+	state.StartSong(0, {"Band", "One", 8 * kSecond}, 0);
 	state.Sample(7500 * kMs, system_time());
 	info = state.Info();
 	EXPECT_EQ(info.state, PlayState::kPlaying);
@@ -120,7 +120,7 @@ TEST(PlayState, TellsSongTitleAndPositionTogether)
 	EXPECT_GE(info.positionMs, 7500);
 	EXPECT_STREQ(info.title, "Band - One");
 
-	state.StartSong({1, "", "", 0}, 0);
+	state.StartSong(1, {"", "", 0}, 0);
 	info = state.Info();
 	EXPECT_EQ(info.positionMs, 0);
 	EXPECT_EQ(info.lengthMs, 0);
@@ -139,7 +139,7 @@ TEST(PlayState, KeepsSongAndPositionAtTheEnd)
 {
 	PlayState state;
 	state.Add("/one.ogg");
-	state.StartSong({0, "", "", 8 * kSecond}, 0);
+	state.StartSong(0, {"", "", 8 * kSecond}, 0);
 	state.Sample(9 * kSecond, system_time());
 	state.Stop();
 	QuboInfo info = state.Info();
@@ -154,7 +154,7 @@ TEST(PlayState, IsPausedFromTheStartOfASongThatBeginsPaused)
 	state.Add("/one.ogg");
 	state.SetPaused(true);
 	EXPECT_EQ(state.Info().state, PlayState::kStopped);
-	state.StartSong({0, "", "", 8 * kSecond}, 0);
+	state.StartSong(0, {"", "", 8 * kSecond}, 0);
 	state.Sample(2 * kSecond, system_time() - kSecond);
 	QuboInfo info = state.Info();
 	EXPECT_EQ(info.state, PlayState::kPaused);

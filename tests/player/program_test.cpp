@@ -1,6 +1,6 @@
 #include "Child.h"
-#include "TempFolder.h"
 #include "WaveFile.h"
+#include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
 
@@ -22,7 +22,7 @@ class Program : public testing::Test {
 protected:
 	void SetUp() override { std::filesystem::create_directory(AddOns()); }
 
-	std::string Path(const std::string& name) const { return fDir.Path() + "/" + name; }
+	std::string Path(const std::string& name) const { return fDir / name; }
 	std::string AddOns() const { return Path("add-ons"); }
 	std::string Wave(const std::string& name, double seconds, const std::string& title = "")
 	{
@@ -31,8 +31,7 @@ protected:
 	}
 	std::string Text(const std::string& name, const std::string& text)
 	{
-		std::ofstream(Path(name)) << text;
-		return Path(name);
+		return fDir.Write(name, text);
 	}
 	void InstallProbe() { std::filesystem::copy_file(PROBE_ADD_ON, AddOns() + "/gen_probe.so"); }
 

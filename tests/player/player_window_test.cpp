@@ -1,0 +1,208 @@
+#include "player/Engine.h"
+#include "player/PlayerWindow.h"
+#include "player/player_messages.h"
+
+#include "WaveFile.h"
+#include "support/display.h"
+#include "support/temp_folder.h"
+#include "support/wait_until.h"
+
+#include <gmock/gmock.h>
+
+#include <Application.h>
+#include <Button.h>
+#include <Entry.h>
+#include <ListView.h>
+#include <Message.h>
+#include <MessageFilter.h>
+#include <QPushButton>
+#include <StringItem.h>
+#include <StringView.h>
+
+#include <atomic>
+#include <clocale>
+#include <cstring>
+
+namespace {
+
+constexpr bigtime_t kSecond = 1000000;
+
+class WindowTeller : public Engine::Listener {
+public:
+	void PlayingChanged() override { window.SendMessage(kMsgPlayingChanged); }
+	void SongFailed(int32, const std::string&) override { }
+	void NoSoundOutput() override { }
+	void PlayingEnded(bool) override { }
+	void EngineFailed(const std::string&) override { }
+
+	BMessenger window;
+};
+
+class PlayerWindowTest : public testing::Test {
+protected:
+	static void SetUpTestSuite()
+	{
+		setenv("QUBO_AO", "null", 1);
+		setlocale(LC_NUMERIC, "C");
+	}
+
+	void SetUp() override
+	{
+		for (const char* name : {"1.wav", "2.wav", "3.wav"}) {
+			write_wave(fDir / name, 20);
+			fState.Add(fDir / name);
+		}
+		fWindow = new PlayerWindow(fState, fEngine, 50);
+		fListener.window = BMessenger(fWindow);
+		fWindow->Show();
+	}
+
+	void TearDown() override
+	{
+		ASSERT_TRUE(fWindow->Lock());
+		fWindow->Quit();
+	}
+
+	void Play()
+	{
+		fEngine.Play(0);
+		ASSERT_TRUE(wait_until([&] { return Info().positionMs > 0; }));
+		settle(fWindow);
+	}
+
+	QuboInfo Info() const { return fState.Info(); }
+
+	std::string WindowTitle()
+	{
+		fWindow->Lock();
+		std::string title = fWindow->Title();
+		fWindow->Unlock();
+		return title;
+	}
+
+	template<typename View> View* Find(const char* name)
+	{
+		fWindow->Lock();
+		auto view = dynamic_cast<View*>(fWindow->FindView(name));
+		fWindow->Unlock();
+		return view;
+	}
+
+	std::string Line(int32 index)
+	{
+		fWindow->Lock();
+		auto list = dynamic_cast<BListView*>(fWindow->FindView("Playlist"));
+		auto item = dynamic_cast<BStringItem*>(list->ItemAt(index));
+		std::string text = item != nullptr ? item->Text() : "(none)";
+		fWindow->Unlock();
+		return text;
+	}
+
+	TempFolder fDir;
+	PlayState fState;
+	WindowTeller fListener;
+	Engine fEngine{fState, fListener};
+	PlayerWindow* fWindow;
+};
+
+TEST_F(PlayerWindowTest, ShowsWhatPlays)
+{
+	EXPECT_EQ(WindowTitle(), "Qubo");
+	EXPECT_EQ(Line(0), "1.wav");
+	Play();
+	EXPECT_TRUE(wait_until([&] { return WindowTitle() == "Qubo – 1.wav"; })) << WindowTitle();
+	EXPECT_TRUE(wait_until([&] { return Line(0) == "▶ 1.wav"; })) << Line(0);
+	EXPECT_EQ(Line(1), "2.wav");
+	EXPECT_EQ(Line(3), "(none)");
+}
+
+TEST_F(PlayerWindowTest, ObeysTheKeysOfAPlayer)
+{
+	Play();
+	type_key(fWindow, Qt::Key_Space);
+	EXPECT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
+	type_key(fWindow, Qt::Key_Right);
+	EXPECT_TRUE(wait_until([&] { return Info().positionMs >= 5000; })) << Info().positionMs;
+	type_key(fWindow, Qt::Key_Left);
+	EXPECT_TRUE(wait_until([&] { return Info().positionMs < 5000; })) << Info().positionMs;
+	type_key(fWindow, Qt::Key_PageDown);
+	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "2.wav") == 0; })) << Info().title;
+	type_key(fWindow, Qt::Key_PageUp);
+	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "1.wav") == 0; })) << Info().title;
+	fEngine.SeekTo(10 * kSecond);
+	ASSERT_TRUE(wait_until([&] { return Info().positionMs >= 10000; }));
+	type_key(fWindow, Qt::Key_Home);
+	EXPECT_TRUE(wait_until([&] { return Info().positionMs < 5000; })) << Info().positionMs;
+}
+
+TEST_F(PlayerWindowTest, KeysWorkWithTheFocusInTheListToo)
+{
+	Play();
+	auto list = Find<BListView>("Playlist");
+	ASSERT_TRUE(fWindow->Lock());
+	list->MakeFocus();
+	list->Select(2);
+	fWindow->Unlock();
+	settle(fWindow);
+	type_key(fWindow, Qt::Key_Space);
+	EXPECT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
+	type_key(fWindow, Qt::Key_Return);
+	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "3.wav") == 0; })) << Info().title;
+}
+
+TEST_F(PlayerWindowTest, ButtonsPlayAndPause)
+{
+	Play();
+	auto button = Find<BButton>("Play");
+	ASSERT_NE(button, nullptr);
+	on_widget<QPushButton>(button, [](QPushButton& widget) { return widget.click(), true; });
+	EXPECT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
+	on_widget<QPushButton>(
+		Find<BButton>("Next"), [](QPushButton& widget) { return widget.click(), true; });
+	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "2.wav") == 0; }));
+}
+
+TEST_F(PlayerWindowTest, TakesWhatIsDroppedOnItAndPlaysItWhenNothingPlays)
+{
+	std::filesystem::create_directory(fDir / "more");
+	write_wave(fDir / "more/b.wav", 20);
+	write_wave(fDir / "more/a.wav", 20);
+	entry_ref ref;
+	ASSERT_EQ(get_ref_for_path((fDir / "more").c_str(), &ref), B_OK);
+	BMessage drop(B_SIMPLE_DATA);
+	drop.AddRef("refs", &ref);
+	BMessenger(fWindow).SendMessage(&drop);
+	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "a.wav") == 0; })) << Info().title;
+	EXPECT_EQ(fState.CountEntries(), 5);
+	EXPECT_TRUE(wait_until([&] { return Line(3) == "▶ a.wav"; })) << Line(3);
+	EXPECT_EQ(Line(4), "b.wav");
+}
+
+class QuitWatch : public BMessageFilter {
+public:
+	QuitWatch() : BMessageFilter(B_QUIT_REQUESTED) { }
+	filter_result Filter(BMessage*, BHandler**) override
+	{
+		asked = true;
+		return B_SKIP_MESSAGE;
+	}
+
+	std::atomic<bool> asked{false};
+};
+
+TEST_F(PlayerWindowTest, ItsCloseButtonAsksTheApplication)
+{
+	auto watch = new QuitWatch;
+	ASSERT_TRUE(be_app->Lock());
+	be_app->AddCommonFilter(watch);
+	be_app->Unlock();
+	fWindow->PostMessage(B_QUIT_REQUESTED);
+	EXPECT_TRUE(wait_until([&] { return watch->asked.load(); }));
+	ASSERT_TRUE(be_app->Lock());
+	be_app->RemoveCommonFilter(watch);
+	be_app->Unlock();
+	delete watch;
+	EXPECT_TRUE(BMessenger(fWindow).IsValid()); // it closes when the application does
+}
+
+} // namespace
