@@ -89,37 +89,30 @@ QuboFE_Receiver::Greet()
 void
 QuboFE_Receiver::SendMsg(BMessage* message)
 {
-	if (!CheckHostMessenger()) {
+	BMessenger host;
+	if (!GetHostMessenger(&host)) {
 		LaunchIfWanted();
 		if (Greet())
 			snooze(kHelloTime);
+		if (!GetHostMessenger(&host))
+			return;
 	}
-	BMessenger host;
-	if (GetHostMessenger(&host))
-		host.SendMessage(message, this);
-}
-
-bool
-QuboFE_Receiver::CheckHostMessenger()
-{
-	if (!Lock())
-		return false;
-	// Test and mark under one lock: an answer that comes in between would be lost for good.
-	const bool isValid = fHostMessenger.IsValid();
-	if (!isValid)
-		fHasHostMessenger = false;
-	Unlock();
-	return isValid;
+	host.SendMessage(message, this);
 }
 
 bool
 QuboFE_Receiver::GetHostMessenger(BMessenger* messenger)
 {
-	if (!fHasHostMessenger || !Lock())
+	if (!Lock())
 		return false;
-	*messenger = fHostMessenger;
+	// Test and mark under one lock: an answer that comes in between would be lost for good.
+	const bool isValid = fHostMessenger.IsValid();
+	if (isValid)
+		*messenger = fHostMessenger;
+	else
+		fHasHostMessenger = false;
 	Unlock();
-	return messenger->IsValid();
+	return isValid;
 }
 
 bool

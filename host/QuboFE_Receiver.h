@@ -44,8 +44,7 @@ private:
 	void HelloReceived(BMessage* message);
 	void LaunchIfWanted();
 	bool Greet();
-	//! Forgets a messenger whose host is gone; whether there still is one.
-	bool CheckHostMessenger();
+	//! Hands out a copy of the host's messenger; one whose host is gone is forgotten, and the answer false.
 	bool GetHostMessenger(BMessenger* messenger);
 
 	BMessenger fHostMessenger; // mailbox
