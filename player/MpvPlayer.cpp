@@ -29,6 +29,9 @@ namespace {
 
 constexpr const char* kLibrary = "libmpv.so.2";
 
+constexpr double kStartPatience = 5; // seconds
+constexpr double kStartLook = 0.1;
+
 // Sound only, nothing of the user's own mpv set-up, nothing on the terminal; a list of files is not played as one song.
 constexpr std::pair<const char*, const char*> kOptions[] = {
 	{"config", "no"},
@@ -157,7 +160,20 @@ MpvPlayer::Start(Use use, std::string& error)
 		error = fMpv.errorString(status);
 		return false;
 	}
-	return true;
+	return WaitUntilIdle(error);
+}
+
+/*!	Before a player is idle for the first time it takes whatever is in its list by then and plays it from the top, whichever song it
+	is told to play. */
+bool
+MpvPlayer::WaitUntilIdle(std::string& error)
+{
+	for (double waited = 0; waited < kStartPatience; waited += kStartLook) {
+		if (WaitEvent(kStartLook)->event_id == MPV_EVENT_IDLE)
+			return true;
+	}
+	error = "the player does not start";
+	return false;
 }
 
 bool

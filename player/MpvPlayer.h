@@ -45,6 +45,7 @@ public:
 private:
 	explicit MpvPlayer(const MpvFunctions& functions);
 	[[nodiscard]] bool Start(Use use, std::string& error);
+	[[nodiscard]] bool WaitUntilIdle(std::string& error);
 	bool SetOption(const char* name, const char* value, std::string& error);
 
 	const MpvFunctions& fMpv;

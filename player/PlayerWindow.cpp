@@ -93,6 +93,7 @@ PlayerWindow::PlayerWindow(PlayState& state, Engine& engine, int32 volume)
 	BuildViews(fMenuBar->Frame().bottom + 1);
 	SetSizeLimits(kMinWidth, 32767, kMinHeight, 32767);
 	fVolume->SetValue(volume);
+	TakeKeysBack();
 	UpdateAll();
 	fPulse.reset(new BMessageRunner(BMessenger(this), BMessage(kMsgPulse), kPulse));
 }
@@ -145,15 +146,15 @@ PlayerWindow::BuildViews(float top)
 {
 	BRect bounds = Bounds();
 	bounds.top = top;
-	auto back = new BView(bounds, "Back", B_FOLLOW_ALL, B_WILL_DRAW);
-	back->SetViewColor(ui_color(B_PANEL_BACKGROUND_COLOR));
-	AddChild(back);
+	fBack = new BView(bounds, "Back", B_FOLLOW_ALL, B_WILL_DRAW);
+	fBack->SetViewColor(ui_color(B_PANEL_BACKGROUND_COLOR));
+	AddChild(fBack);
 	float right = bounds.Width() - kSpace;
 	float bottom = bounds.Height() - kSpace;
 
 	BRect row(kSpace, kSpace, right, kSpace + 20);
 	fTitle = new BStringView(row, "Title", "", B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP);
-	back->AddChild(fTitle);
+	fBack->AddChild(fTitle);
 
 	row.OffsetTo(kSpace, row.bottom + kSpace);
 	row.bottom = row.top + 24;
@@ -161,32 +162,32 @@ PlayerWindow::BuildViews(float top)
 	fPosition = new BSlider(row, "Position", nullptr, new BMessage(kMsgPositionChosen), 0,
 		kPositionSteps, B_BLOCK_THUMB, B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP);
 	fPosition->SetModificationMessage(new BMessage(kMsgPositionDragged));
-	back->AddChild(fPosition);
+	fBack->AddChild(fPosition);
 	row.left = right - kTimeWidth;
 	row.right = right;
 	fTime = new BStringView(row, "Time", "", B_FOLLOW_RIGHT | B_FOLLOW_TOP);
 	fTime->SetAlignment(B_ALIGN_RIGHT);
-	back->AddChild(fTime);
+	fBack->AddChild(fTime);
 
 	BPoint where(kSpace, row.bottom + kSpace);
-	AddButton(back, where, "Previous", kTextPrevious, kMsgPrevious);
-	fPlay = AddButton(back, where, "Play", kTextPlay, kMsgTogglePause);
-	AddButton(back, where, "Next", kTextNext, kMsgNext);
+	AddButton(fBack, where, "Previous", kTextPrevious, kMsgPrevious);
+	fPlay = AddButton(fBack, where, "Play", kTextPlay, kMsgTogglePause);
+	AddButton(fBack, where, "Next", kTextNext, kMsgNext);
 	row.Set(right - kVolumeWidth, where.y, right, fPlay->Frame().bottom);
 	fVolume = new BSlider(row, "Volume", nullptr, new BMessage(kMsgVolumeChosen), 0, 100,
 		B_BLOCK_THUMB, B_FOLLOW_RIGHT | B_FOLLOW_TOP);
 	fVolume->SetModificationMessage(new BMessage(kMsgVolumeChosen));
-	back->AddChild(fVolume);
+	fBack->AddChild(fVolume);
 
 	row.Set(kSpace, fPlay->Frame().bottom + kSpace, right, bottom - 20 - kSpace);
 	BRect inner(row.left, row.top, row.right - 20, row.bottom); // beside the scroll bar
 	fList = new BListView(inner, "Playlist", B_SINGLE_SELECTION_LIST, B_FOLLOW_ALL);
 	fList->SetInvocationMessage(new BMessage(kMsgPlayEntry));
-	back->AddChild(new BScrollView("Scroll", fList, B_FOLLOW_ALL, 0, false, true));
+	fBack->AddChild(new BScrollView("Scroll", fList, B_FOLLOW_ALL, 0, false, true));
 
 	row.Set(kSpace, bottom - 20, right, bottom);
 	fStatus = new BStringView(row, "Status", "", B_FOLLOW_LEFT_RIGHT | B_FOLLOW_BOTTOM);
-	back->AddChild(fStatus);
+	fBack->AddChild(fStatus);
 }
 
 //! At `where`, which moves on to the right.
@@ -221,12 +222,15 @@ PlayerWindow::MessageReceived(BMessage* message)
 			break;
 		case kMsgTogglePause:
 			fEngine.TogglePause();
+			TakeKeysBack();
 			break;
 		case kMsgPrevious:
 			fEngine.Previous();
+			TakeKeysBack();
 			break;
 		case kMsgNext:
 			fEngine.Next();
+			TakeKeysBack();
 			break;
 		case kMsgBack:
 			fEngine.SeekBy(-kSeekStep);
@@ -318,6 +322,13 @@ PlayerWindow::KeyPressed(BMessage* message)
 	}
 }
 
+//! After a control was used its own keys (the space bar presses a button) give way to the player's.
+void
+PlayerWindow::TakeKeysBack()
+{
+	fBack->MakeFocus();
+}
+
 void
 PlayerWindow::PositionDragged()
 {
@@ -351,6 +362,7 @@ PlayerWindow::EntryInvoked(BMessage* message)
 	int32 index;
 	if (message->FindInt32("index", &index) == B_OK)
 		fEngine.Play(index);
+	TakeKeysBack();
 }
 
 //! They go to the end of the list, and play when nothing does.

@@ -35,7 +35,7 @@ private:
 	BButton* AddButton(BView* parent, BPoint& where, const char* name, TextKey label, uint32 code);
 
 	bool KeyPressed(BMessage* message);
-	void TogglePauseRqtd();
+	void TakeKeysBack();
 	void PositionDragged();
 	void PositionChosen();
 	void VolumeChosen();
@@ -53,6 +53,7 @@ private:
 	Engine& fEngine;
 	BMenuBar* fMenuBar = nullptr;
 	BMenu* fAddOnsMenu = nullptr;
+	BView* fBack = nullptr;
 	BStringView* fTitle = nullptr;
 	BStringView* fTime = nullptr;
 	BStringView* fStatus = nullptr;

@@ -305,6 +305,19 @@ TEST_F(EngineTest, StartsWithinASongOnlyWhatItIsToldTo)
 	EXPECT_LE(fState.Info().positionMs, 300);
 }
 
+TEST_F(EngineTest, BeginsWithTheSongItIsToldTo)
+{
+	AddWave("1.wav", 0.3);
+	AddWave("2.wav", 0.3);
+	AddWave("3.wav", 0.3);
+	fEngine.Play(2);
+	ASSERT_TRUE(fTold.WaitForEnd());
+	EXPECT_EQ(Title(), "3.wav");
+	PlaylistEntry entry;
+	ASSERT_TRUE(fState.GetEntry(0, entry));
+	EXPECT_FALSE(entry.played);
+}
+
 TEST_F(EngineTest, PlaysWhatIsAddedLater)
 {
 	AddWave("1.wav", 0.3);

@@ -135,7 +135,7 @@ TEST_F(PlayerWindowTest, ObeysTheKeysOfAPlayer)
 	EXPECT_TRUE(wait_until([&] { return Info().positionMs < 5000; })) << Info().positionMs;
 }
 
-TEST_F(PlayerWindowTest, KeysWorkWithTheFocusInTheListToo)
+TEST_F(PlayerWindowTest, PlaysTheSelectedLineAndTakesTheKeysBackFromTheList)
 {
 	Play();
 	auto list = Find<BListView>("Playlist");
@@ -144,10 +144,11 @@ TEST_F(PlayerWindowTest, KeysWorkWithTheFocusInTheListToo)
 	list->Select(2);
 	fWindow->Unlock();
 	settle(fWindow);
-	type_key(fWindow, Qt::Key_Space);
-	EXPECT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
 	type_key(fWindow, Qt::Key_Return);
 	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "3.wav") == 0; })) << Info().title;
+	settle(fWindow);
+	type_key(fWindow, Qt::Key_Space);
+	EXPECT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
 }
 
 TEST_F(PlayerWindowTest, ButtonsPlayAndPause)
@@ -160,6 +161,10 @@ TEST_F(PlayerWindowTest, ButtonsPlayAndPause)
 	on_widget<QPushButton>(
 		Find<BButton>("Next"), [](QPushButton& widget) { return widget.click(), true; });
 	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "2.wav") == 0; }));
+	settle(fWindow);
+	type_key(fWindow, Qt::Key_Space); // the keys are the window's again, not the button's
+	EXPECT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
+	EXPECT_STREQ(Info().title, "2.wav");
 }
 
 TEST_F(PlayerWindowTest, TakesWhatIsDroppedOnItAndPlaysItWhenNothingPlays)

@@ -116,7 +116,9 @@ TEST_F(Program, AnswersTheFrontEndProtocolToItsAddOns)
 	EXPECT_THAT(log, Contains("count 2"));
 	EXPECT_THAT(log, Contains("no entry -1"));
 	EXPECT_THAT(log, Contains("entry 0 " + first + " Band - Song 2 0 1"));
-	EXPECT_THAT(log, Contains("entry 1 " + second + " 2.wav 0 1 0"));
+	EXPECT_THAT(log,
+		Contains(testing::AnyOf("entry 1 " + second + " 2.wav 0 1 0",
+			"entry 1 " + second + " Band - Song (2) 1 1 0"))); // its tags are read or not yet
 	EXPECT_THAT(log, Contains("no entry 2"));
 	EXPECT_THAT(log, Contains("current " + first));
 	EXPECT_THAT(log, Contains("windows 2"));
