@@ -1,0 +1,216 @@
+// The lyrics view on the offscreen platform: a tick, the whole chain of a tick, a full draw, a foreseen line change.
+// CPU times are the view's thread's, but for the chain: that is the process's.
+
+#include <Application.h>
+#include <Window.h>
+
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <thread>
+
+#include "lyrics/TTavoraDView.h"
+#include "prefs/TExitState.h"
+#include "prefs/TPref.h"
+#include "support/ScriptedHost.h"
+#include "support/temp_folder.h"
+#include "support/wait_until.h"
+
+namespace {
+
+constexpr bigtime_t kNever = 3600LL * 1000000;
+constexpr int32 kWidth = 400;
+constexpr int32 kHeight = 200;
+
+//! What a benchmark waits for must come: its figures would be of something else.
+template<typename Condition>
+void
+wait_for(Condition condition)
+{
+	if (!wait_until(condition)) {
+		fprintf(stderr, "the lyrics view did not do what the benchmark measures\n");
+		abort();
+	}
+}
+
+double
+cpu_seconds(clockid_t clock)
+{
+	timespec time;
+	clock_gettime(clock, &time);
+	return time.tv_sec + time.tv_nsec / 1e9;
+}
+
+//! A window with the view, a host that plays a song of twelve lines, and no ticks but those that are asked for.
+class Display {
+public:
+	explicit Display(bool doubleBuffering, bigtime_t interval = kNever)
+	{
+		gPref = new TPref;
+		gPref->fDoubleBuffering = doubleBuffering;
+		gPref->fMonitoringInterval = interval;
+		gExitState = new TExitState;
+		std::string text;
+		for (int i = 1; i <= 12; i++)
+			text += "[00:" + std::string(i < 10 ? "0" : "") + std::to_string(i)
+				+ "]さくら さくら, line of a song\n";
+		fFolder.Write("song.lrc", text);
+		host().Reset();
+		host().SetPlaylist({{fFolder / "song.ogg", "song"}});
+		host().Play("song", 6500);
+		fWindow = new BWindow(BRect(10, 10, 9 + kWidth, 9 + kHeight), "bench", B_TITLED_WINDOW, 0);
+		fView = new TTavoraDView(fWindow->Bounds());
+		fWindow->AddChild(fView);
+		fWindow->Show();
+		wait_for([this] { return Tick(), fView->CurrentLine() == 5; });
+	}
+
+	~Display()
+	{
+		if (fWindow->Lock())
+			fWindow->Quit();
+		delete gPref;
+		delete gExitState;
+	}
+
+	//! CPU seconds of a tick; the answer to its request has come when this returns.
+	double Tick()
+	{
+		const int32 asked = host().CountOf(kQuboInfo);
+		fWindow->Lock();
+		const double begin = cpu_seconds(CLOCK_THREAD_CPUTIME_ID);
+		fView->PollingQuboInfoRqtd();
+		const double took = cpu_seconds(CLOCK_THREAD_CPUTIME_ID) - begin;
+		fWindow->Unlock();
+		wait_for([&] { return host().CountOf(kQuboInfo) > asked; });
+		return took;
+	}
+
+	void GoTo(int32 positionMs, int32 line)
+	{
+		host().Play("song", positionMs);
+		wait_for([&] { return Tick(), fView->CurrentLine() == line; });
+		Draw();
+	}
+
+	//! CPU seconds of drawing what is invalid.
+	double Draw()
+	{
+		fWindow->Lock();
+		const double begin = cpu_seconds(CLOCK_THREAD_CPUTIME_ID);
+		fWindow->UpdateIfNeeded();
+		const double took = cpu_seconds(CLOCK_THREAD_CPUTIME_ID) - begin;
+		fWindow->Unlock();
+		return took;
+	}
+
+	TempFolder fFolder;
+	BWindow* fWindow;
+	TTavoraDView* fView;
+};
+
+void
+TickNothingNew(benchmark::State& state)
+{
+	Display display(true);
+	for (auto _ : state)
+		state.SetIterationTime(display.Tick());
+}
+BENCHMARK(TickNothingNew)->UseManualTime()->Iterations(300);
+
+//! The part of a tick that is the posting of its request.
+void
+PostRequest(benchmark::State& state)
+{
+	Display display(true);
+	Qubo_FrontEnd frontEnd(false, 100000);
+	frontEnd.StartPolling(B_NORMAL_PRIORITY);
+	// The first requests are greetings.
+	const int32 before = host().CountOf(kQuboInfo);
+	wait_for([&] { return frontEnd.SendInfoRequest(), host().CountOf(kQuboInfo) > before; });
+	snooze(50000);
+	for (auto _ : state) {
+		const int32 asked = host().CountOf(kQuboInfo);
+		const double begin = cpu_seconds(CLOCK_THREAD_CPUTIME_ID);
+		frontEnd.SendInfoRequest();
+		state.SetIterationTime(cpu_seconds(CLOCK_THREAD_CPUTIME_ID) - begin);
+		wait_for([&] { return host().CountOf(kQuboInfo) > asked; });
+	}
+}
+BENCHMARK(PostRequest)->UseManualTime()->Iterations(300);
+
+//! View, host and receiver at the default interval, nothing new: the process's CPU a tick.
+void
+TickChain(benchmark::State& state)
+{
+	Display display(true, 25000);
+	const int32 ticksBefore = host().CountOf(kQuboInfo);
+	const double cpuBefore = cpu_seconds(CLOCK_PROCESS_CPUTIME_ID);
+	for (auto _ : state) {
+		snooze(5000000);
+		const double cpu = cpu_seconds(CLOCK_PROCESS_CPUTIME_ID) - cpuBefore;
+		state.SetIterationTime(cpu / (host().CountOf(kQuboInfo) - ticksBefore));
+	}
+}
+BENCHMARK(TickChain)->UseManualTime()->Iterations(1);
+
+void
+FullDraw(benchmark::State& state)
+{
+	Display display(false);
+	for (auto _ : state) {
+		display.fWindow->Lock();
+		display.fView->Invalidate();
+		display.fWindow->Unlock();
+		state.SetIterationTime(display.Draw());
+	}
+}
+BENCHMARK(FullDraw)->UseManualTime()->Iterations(300);
+
+/*!	To the song's last line, so that there is no further picture to prepare: from the beginning of the drawing until the frame is
+	with the server. */
+void
+ForeseenLineChange(benchmark::State& state)
+{
+	Display display(true);
+	for (auto _ : state) {
+		display.GoTo(11500, 10);
+		host().Play("song", 12500);
+		wait_for([&] { return display.Tick(), display.fView->CurrentLine() == 11; });
+		state.SetIterationTime(display.Draw());
+	}
+}
+BENCHMARK(ForeseenLineChange)->UseManualTime()->Iterations(100);
+
+void
+BareCopy(benchmark::State& state)
+{
+	const std::vector<char> from(kWidth * kHeight * 4, 1);
+	std::vector<char> to(from.size());
+	for (auto _ : state) {
+		memcpy(to.data(), from.data(), from.size());
+		benchmark::ClobberMemory();
+	}
+}
+BENCHMARK(BareCopy);
+
+} // namespace
+
+int
+main(int argc, char** argv)
+{
+	TempFolder settings;
+	setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
+	setenv("QT_QPA_PLATFORM", "offscreen", 0);
+	benchmark::Initialize(&argc, argv);
+	ScriptedHost application;
+	std::thread benchmarks([] {
+		benchmark::RunSpecifiedBenchmarks();
+		be_app->PostMessage(B_QUIT_REQUESTED);
+	});
+	application.Run();
+	benchmarks.join();
+	return 0;
+}
