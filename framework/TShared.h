@@ -1,20 +1,25 @@
 #pragma once
 
 #include <atomic>
+#include <bit>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace merion {
 
 /*!	A small value of a record that one thread writes and others read. Reads and writes are whole; there is no order
 	among several values. Copying copies the value. */
 template<typename T> class TShared {
-	static_assert(std::atomic<T>::is_always_lock_free);
+	// A structure, such as a colour, goes in as a number: its own alignment may be too small for one access.
+	using Stored = std::conditional_t<std::is_class_v<T>, uint32_t, T>;
+	static_assert(sizeof(Stored) == sizeof(T) && std::atomic<Stored>::is_always_lock_free);
 
 public:
-	TShared(T value = T()) : fValue(value) { }
-	TShared(const TShared& other) : fValue(other.Get()) { }
+	TShared(T value = T()) : fValue(std::bit_cast<Stored>(value)) { }
+	TShared(const TShared& other) : TShared(other.Get()) { }
 
 	TShared& operator=(const TShared& other)
 	{
@@ -29,11 +34,11 @@ public:
 	}
 
 	operator T() const { return Get(); }
-	T Get() const { return fValue.load(std::memory_order_relaxed); }
-	void Set(T value) { fValue.store(value, std::memory_order_relaxed); }
+	T Get() const { return std::bit_cast<T>(fValue.load(std::memory_order_relaxed)); }
+	void Set(T value) { fValue.store(std::bit_cast<Stored>(value), std::memory_order_relaxed); }
 
 private:
-	std::atomic<T> fValue;
+	std::atomic<Stored> fValue;
 };
 
 /*!	A text of a record, the same way: it goes in and out as a copy, under a lock of its own. */
