@@ -16,10 +16,10 @@ public:
 	~BPopUpMenu() override;
 
 	/*!	Opens the menu with its left top corner at `screenPoint`, as far as the screen allows.
-		Synchronous: waits until it is closed and answers the item that was chosen; NULL when none was, when the server or the looper that
-		waits is about to end, or when the menu is open already. Only the calling looper waits, with what it has locked.
+		Synchronous: waits until it is closed and answers the item that was chosen; NULL when none was, or when the server or the looper that
+		waits is about to end. Only the calling looper waits, with what it has locked.
 		Asynchronous: answers NULL at once. The choice is then dealt with by the looper that called, as a message; a thread without a looper
-		has to wait all the same.
+		has to wait all the same. A menu that is open already is closed and opened anew.
 		`deliversMessage`: the item is invoked. In radio mode it is marked in any case.
 		`openAnyway`: else the menu opens only while a mouse button is held down. */
 	BMenuItem* Go(BPoint screenPoint, bool deliversMessage = false, bool openAnyway = false,

@@ -1,0 +1,109 @@
+#include "interface/ViewData.h"
+#include "interface/WidgetText.h"
+
+#include <QLabel>
+#include <QPainter>
+#include <QStyle>
+#include <StringView.h>
+#include <stdlib.h>
+#include <string.h>
+
+using namespace BPrivate;
+
+namespace {
+
+//! A label that says by an ellipsis that there is more. The pointer is not its affair, but the views'.
+class ServerLabel : public QLabel {
+public:
+	ServerLabel()
+	{
+		setTextFormat(Qt::PlainText);
+		setAttribute(Qt::WA_TransparentForMouseEvents);
+	}
+
+	QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+	void paintEvent(QPaintEvent*) override
+	{
+		QPainter painter(this);
+		const QString fitting = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+		style()->drawItemText(&painter, rect(), alignment() | Qt::TextSingleLine, palette(),
+			isEnabled(), fitting, foregroundRole());
+	}
+};
+
+} // namespace
+
+BStringView::BStringView(
+	BRect frame, const char* name, const char* text, uint32 resizingMode, uint32 flags)
+	: BView(frame, name, resizingMode, flags),
+	  fText(NULL),
+	  fAlignment(B_ALIGN_LEFT)
+{
+	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
+		WidgetProxy::MakerOf<ServerLabel>([](ServerLabel*, ProxySink*) {}), [](BMessage*) {}));
+	SetText(text);
+}
+
+BStringView::~BStringView()
+{
+	free(fText);
+}
+
+void
+BStringView::GetPreferredSize(float* width, float* height)
+{
+	preferred_size(*this, width, height);
+}
+
+void
+BStringView::SetHighColor(rgb_color color)
+{
+	BView::SetHighColor(color);
+	ViewData::Of(this).proxy->Adjust<ServerLabel>([color](ServerLabel& label) {
+		QPalette palette = label.palette();
+		palette.setColor(QPalette::WindowText, QColor(color.red, color.green, color.blue));
+		label.setPalette(palette);
+	});
+}
+
+void
+BStringView::SetText(const char* text)
+{
+	char* copy = text != NULL ? strdup(text) : NULL;
+	free(fText);
+	fText = copy;
+	ViewData::Of(this).proxy->Adjust<ServerLabel>(
+		[shown = QString::fromUtf8(text).replace(u'\n', u' ')](ServerLabel& label) {
+			if (label.text() != shown)
+				label.setText(shown);
+		});
+}
+
+const char*
+BStringView::Text() const
+{
+	return fText;
+}
+
+void
+BStringView::SetAlignment(alignment flag)
+{
+	fAlignment = flag;
+	Qt::Alignment side = Qt::AlignLeft;
+	if (flag == B_ALIGN_RIGHT)
+		side = Qt::AlignRight;
+	else if (flag == B_ALIGN_CENTER)
+		side = Qt::AlignHCenter;
+	// absolute: left is left in every language
+	ViewData::Of(this).proxy->Adjust<ServerLabel>([side](ServerLabel& label) {
+		label.setAlignment(side | Qt::AlignAbsolute | Qt::AlignVCenter);
+	});
+}
+
+alignment
+BStringView::Alignment() const
+{
+	return fAlignment;
+}
