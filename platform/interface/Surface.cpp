@@ -36,6 +36,7 @@ Surface::Painter(const QRegion& clip, QPointF origin)
 	if (fPainter && fThread != std::this_thread::get_id())
 		Finish();
 	if (!fPainter) {
+		Unshare(true);
 		fPainter = std::make_unique<QPainter>(&fImage);
 		fThread = std::this_thread::get_id();
 		fPainter->setClipRegion(clip);
@@ -48,6 +49,21 @@ Surface::Painter(const QRegion& clip, QPointF origin)
 	fClip = clip;
 	fOrigin = origin;
 	return *fPainter;
+}
+
+/*!	The server shows the image that it was given; drawing goes on in another one, best in one whose memory is there already. */
+void
+Surface::Unshare(bool keepPixels)
+{
+	if (fImage.isDetached())
+		return;
+	QImage next = std::exchange(fSpare, QImage());
+	if (!next.isDetached() || next.size() != fImage.size() || next.format() != fImage.format()
+		|| next.devicePixelRatio() != fImage.devicePixelRatio())
+		next = MakeImage(fSize, fImage.devicePixelRatio(), fImage.format());
+	if (keepPixels)
+		memcpy(next.bits(), fImage.constBits(), fImage.sizeInBytes());
+	fImage = std::move(next);
 }
 
 static bool
@@ -71,6 +87,9 @@ Surface::Copy(const QImage& source, QPointF where, const QRegion& clip)
 	fTouched = true;
 	const QPoint offset = device.toPoint();
 	const QRect target = QRect(offset, source.size()) & fImage.rect();
+	// what is painted over whole need not be copied from the frame that the server has
+	if (!fPainter)
+		Unshare(!everything || target != fImage.rect());
 	int depth = fImage.depth() / 8;
 	uchar* bits = fImage.bits();
 	for (const QRect& part : clip) {

@@ -40,11 +40,16 @@ public:
 	//! Ends the painter: all is in the image.
 	void Finish();
 	bool IsTouched() const { return fTouched; }
+	//! An image that was handed out before and may serve again.
+	void SetSpare(QImage image) { fSpare = std::move(image); }
 	//! The picture as it is, to be handed to others; drawing goes on in a copy.
 	QImage TakeFrame();
 
 private:
+	void Unshare(bool keepPixels);
+
 	QImage fImage;
+	QImage fSpare;
 	QSize fSize;
 	std::unique_ptr<QPainter> fPainter;
 	std::thread::id fThread;

@@ -80,6 +80,8 @@ struct ViewData {
 
 	// Drawing
 	void DrawTree(const QRegion& dirty);
+	//! False when there is nothing to draw into.
+	bool BeginDrawing();
 	QPainter* Painter();
 	QRegion Clip() const;
 	void Invalidate(QRect inWindow);

@@ -352,8 +352,7 @@ BView::DrawBitmapAsync(const BBitmap* bitmap, BRect bitmapRect, BRect viewRect)
 {
 	if (bitmap == NULL || !bitmap->IsValid() || !bitmapRect.IsValid() || !viewRect.IsValid())
 		return;
-	QPainter* painter = fData->Painter();
-	if (painter == NULL)
+	if (!fData->BeginDrawing())
 		return;
 	const DrawState& state = fData->state;
 	const QImage image = image_to_draw(bitmap, state.mode);
@@ -365,6 +364,7 @@ BView::DrawBitmapAsync(const BBitmap* bitmap, BRect bitmapRect, BRect viewRect)
 		&& bitmapRect.Width() == viewRect.Width() && bitmapRect.Height() == viewRect.Height()
 		&& surface.Copy(image, QPointF(where.x, where.y), fData->Clip()))
 		return;
+	QPainter* painter = fData->Painter();
 	bool stretched
 		= bitmapRect.Width() != viewRect.Width() || bitmapRect.Height() != viewRect.Height();
 	painter->setCompositionMode(

@@ -335,20 +335,29 @@ ViewData::Clip() const
 	return drawClip ? *drawClip : VisibleRegion();
 }
 
-/*!	NULL when the view has nothing to draw into. Drawing outside of an update asks for a commit later. */
-QPainter*
-ViewData::Painter()
+/*!	Drawing outside of an update asks for a commit later. */
+bool
+ViewData::BeginDrawing()
 {
 	if (window == NULL)
-		return NULL;
+		return false;
 	ASSERT(window->IsLocked());
 	WindowData& data = WindowData::Of(window);
 	if (!data.CanDraw() || !IsVisible())
-		return NULL;
+		return false;
 	if (!data.inUpdate && !data.offscreen)
 		data.ScheduleUpdate();
+	return true;
+}
+
+//! NULL when the view has nothing to draw into.
+QPainter*
+ViewData::Painter()
+{
+	if (!BeginDrawing())
+		return NULL;
 	BPoint origin = Origin();
-	return &data.surface.Painter(Clip(), QPointF(origin.x, origin.y));
+	return &WindowData::Of(window).surface.Painter(Clip(), QPointF(origin.x, origin.y));
 }
 
 } // namespace BPrivate

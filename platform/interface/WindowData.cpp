@@ -173,7 +173,9 @@ WindowData::Commit()
 	if (color == B_TRANSPARENT_COLOR)
 		color = ui_color(B_PANEL_BACKGROUND_COLOR);
 	Frame picture{surface.TakeFrame(), QColor(color.red, color.green, color.blue)};
-	if (!mailbox->Put(std::move(picture)))
+	bool post = mailbox->Put(std::move(picture));
+	surface.SetSpare(mailbox->TakeSpare());
+	if (!post)
 		return;
 	ServerLink::Default().Post([id = id] {
 		if (auto* server = Registry::Default().Find<ServerWindow>(id))

@@ -38,7 +38,7 @@ Canvas::TakeFrame()
 	std::optional<Frame> frame = fMailbox->Take();
 	if (!frame)
 		return;
-	fFront = std::move(*frame);
+	fMailbox->GiveBack(std::exchange(fFront, std::move(*frame)).image);
 	update();
 }
 

@@ -64,9 +64,6 @@ DisplayServer::Start()
 {
 	if (fApplication != nullptr)
 		return;
-	static bool sExitWatched = false;
-	if (!std::exchange(sExitWatched, true))
-		on_exit(Exiting, nullptr);
 	fApplication = make_application();
 	Desktop::Watch(ServerWindow::ReportScreenToAll);
 	update_standard_fonts();
@@ -134,22 +131,18 @@ DisplayServer::Shutdown()
 	delete std::exchange(fApplication, nullptr);
 }
 
-void
-DisplayServer::Exiting(int status, void*)
+bool
+DisplayServer::EndBeforeExit()
 {
-	DisplayServer& server = Default();
-	{
-		std::lock_guard lock(server.fMutex);
-		if (!server.fRunning || server.fStopped)
-			return;
-	}
+	if (!on_server_thread())
+		return true;
+	ServerLink::Default().SetServing(false);
 	if (be_app != NULL) {
 		BMessage quit(B_QUIT_REQUESTED);
 		be_app_messenger.SendMessage(&quit, static_cast<BHandler*>(NULL), 0);
 	}
 	ServerLink::Default().Close();
-	if (!server.WaitForStop(kSavingTime))
-		_exit(status);
+	return WaitForStop(kSavingTime);
 }
 
 bool

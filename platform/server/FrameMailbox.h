@@ -5,6 +5,7 @@
 #include <SupportDefs.h>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace BPrivate {
 
@@ -22,6 +23,8 @@ public:
 	bool Put(Frame frame)
 	{
 		std::lock_guard lock(fMutex);
+		if (fFrame)
+			fSpare = std::move(fFrame->image);
 		fFrame = std::move(frame);
 		fCount++;
 		return !std::exchange(fPosted, true);
@@ -31,6 +34,18 @@ public:
 		std::lock_guard lock(fMutex);
 		fPosted = false;
 		return std::exchange(fFrame, std::nullopt);
+	}
+	//! The server gives back the image of a frame that it shows no more, so that its memory serves again.
+	void GiveBack(QImage image)
+	{
+		std::lock_guard lock(fMutex);
+		fSpare = std::move(image);
+	}
+	//! Null when there is none.
+	QImage TakeSpare()
+	{
+		std::lock_guard lock(fMutex);
+		return std::exchange(fSpare, QImage());
 	}
 	//! Frames put so far.
 	int64 CountFrames() const
@@ -42,6 +57,7 @@ public:
 private:
 	mutable std::mutex fMutex;
 	std::optional<Frame> fFrame;
+	QImage fSpare;
 	int64 fCount = 0;
 	bool fPosted = false;
 };
