@@ -7,6 +7,7 @@
 #include <Application.h>
 #include <Button.h>
 #include <Entry.h>
+#include <Font.h>
 #include <ListView.h>
 #include <Menu.h>
 #include <MenuBar.h>
@@ -21,7 +22,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <vector>
 
 namespace {
 
@@ -100,9 +101,12 @@ PlayerWindow::PlayerWindow(PlayState& state, Engine& engine, int32 volume)
 
 PlayerWindow::~PlayerWindow()
 {
+	std::vector<BListItem*> items;
 	for (int32 i = 0; i < fList->CountItems(); i++)
-		delete fList->ItemAt(i);
-	fList->MakeEmpty();
+		items.push_back(fList->ItemAt(i));
+	fList->MakeEmpty(); // looks at them once more
+	for (BListItem* item : items)
+		delete item;
 }
 
 // #pragma mark - views
@@ -154,6 +158,7 @@ PlayerWindow::BuildViews(float top)
 
 	BRect row(kSpace, kSpace, right, kSpace + 20);
 	fTitle = new BStringView(row, "Title", "", B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP);
+	fTitle->SetFont(be_bold_font);
 	fBack->AddChild(fTitle);
 
 	row.OffsetTo(kSpace, row.bottom + kSpace);
@@ -180,10 +185,12 @@ PlayerWindow::BuildViews(float top)
 	fBack->AddChild(fVolume);
 
 	row.Set(kSpace, fPlay->Frame().bottom + kSpace, right, bottom - 20 - kSpace);
-	BRect inner(row.left, row.top, row.right - 20, row.bottom); // beside the scroll bar
-	fList = new BListView(inner, "Playlist", B_SINGLE_SELECTION_LIST, B_FOLLOW_ALL);
+	fList = new BListView(row, "Playlist", B_SINGLE_SELECTION_LIST, B_FOLLOW_ALL);
 	fList->SetInvocationMessage(new BMessage(kMsgPlayEntry));
-	fBack->AddChild(new BScrollView("Scroll", fList, B_FOLLOW_ALL, 0, false, true));
+	auto scroll = new BScrollView("Scroll", fList, B_FOLLOW_ALL, 0, false, true);
+	fBack->AddChild(scroll);
+	scroll->MoveTo(row.LeftTop()); // it is the list and more
+	scroll->ResizeTo(row.Width(), row.Height());
 
 	row.Set(kSpace, bottom - 20, right, bottom);
 	fStatus = new BStringView(row, "Status", "", B_FOLLOW_LEFT_RIGHT | B_FOLLOW_BOTTOM);
@@ -347,6 +354,9 @@ void
 PlayerWindow::VolumeChosen()
 {
 	fEngine.SetVolume(fVolume->Value());
+	char percent[128];
+	snprintf(percent, sizeof(percent), text(kTextVolume), static_cast<int>(fVolume->Value()));
+	set_text(fStatus, percent);
 }
 
 void

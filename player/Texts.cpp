@@ -21,7 +21,7 @@ constexpr const char* kEnglish[] = {
 	"Show",
 	"Preferences…",
 	"About…",
-	"Volume",
+	"Volume: %d %%",
 	"Drop music files or folders here",
 	"No sound device: playing in silence",
 	"Cannot play %s: %s",

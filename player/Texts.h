@@ -20,7 +20,7 @@ enum TextKey {
 	kTextShow,
 	kTextPreferences,
 	kTextAbout,
-	kTextVolume,
+	kTextVolume, // the percentage
 	kTextDropHere,
 	kTextNoSound,
 	kTextCannotPlay, // the file, the reason

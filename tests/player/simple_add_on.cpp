@@ -54,6 +54,8 @@ public:
 	uint32 GetFlags() override { return 0; }
 };
 
+SimplePlugin* sPlugin; // a host that does not know the version leaves it here
+
 } // namespace
 
 extern "C" GeneralPlugin*
@@ -64,5 +66,6 @@ NewPlugin(PluginConstructorStruct* construct)
 	throw std::runtime_error("no room for it");
 #endif
 	construct->version = SIMPLE_VERSION;
-	return new SimplePlugin;
+	sPlugin = new SimplePlugin;
+	return sPlugin;
 }
