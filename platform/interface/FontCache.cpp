@@ -31,7 +31,8 @@ struct FontsOfThread {
 	}
 };
 
-//! The family itself, then the desktop's default for what it lacks, then one for Han characters in the right forms.
+/*!	The family itself, then the desktop's default for what it lacks, then one for Han characters in
+	the right forms. */
 QStringList
 families_for(const QString& family)
 {

@@ -7,7 +7,8 @@
 
 using namespace BPrivate;
 
-// The scripting of windows and views: their frames, whether they are hidden, a window's title, and the views in them.
+// The scripting of windows and views: their frames, whether they are hidden, a window's title, and
+// the views in them.
 
 static const property_info kWindowProperties[] = {
 	{"Frame", {B_GET_PROPERTY, B_SET_PROPERTY, 0}, {B_DIRECT_SPECIFIER, 0},
@@ -65,7 +66,8 @@ reply_error(BMessage* message, status_t error, const char* text)
 	message->SendReply(&reply);
 }
 
-/*!	For a property that names a view: that view, with the specifier popped; NULL when it is not there and the message answered. */
+/*!	For a property that names a view: that view, with the specifier popped; NULL when it is not
+	there and the message answered. */
 static BHandler*
 resolve_view(BView* parent, BMessage* message, BMessage* specifier, int32 form)
 {
@@ -132,7 +134,8 @@ set_window_frame(BWindow* window, BRect frame)
 	window->ResizeTo(frame.Width(), frame.Height());
 }
 
-//! The error of a value that is missing or has another type; B_NAME_NOT_FOUND too for a property that there is not.
+/*!	The error of a value that is missing or has another type; B_NAME_NOT_FOUND too for a property
+	that there is not. */
 static status_t
 set_window_property(BWindow* window, const char* property, const BMessage& message)
 {
@@ -188,7 +191,8 @@ set_view_property(BView* view, const char* property, const BMessage& message)
 	return status;
 }
 
-/*!	Answers a get, set or count of one of the properties; false when it is none of them. `parent`: whose children are counted. */
+/*!	Answers a get, set or count of one of the properties; false when it is none of them. `parent`:
+	whose children are counted. */
 template<typename Object, typename Get, typename Set>
 static bool
 answer_property(Object* object, BView* parent, BMessage* message, const property_info* properties,

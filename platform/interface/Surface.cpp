@@ -51,7 +51,8 @@ Surface::Painter(const QRegion& clip, QPointF origin)
 	return *fPainter;
 }
 
-/*!	The server shows the image that it was given; drawing goes on in another one, best in one whose memory is there already. */
+/*!	The server shows the image that it was given; drawing goes on in another one, best in one whose
+	memory is there already. */
 void
 Surface::Unshare(bool keepPixels)
 {

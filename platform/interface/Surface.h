@@ -12,8 +12,8 @@
 namespace BPrivate {
 
 /*!	The picture that the views of one window or one bitmap draw into, and the painter on it.
-	Thread: whoever has the window's lock. The painter never outlives a drawn text in a thread that is not the window's own, because a
-	font must not go from one thread to another. */
+	Thread: whoever has the window's lock. The painter never outlives a drawn text in a thread that
+	is not the window's own, because a font must not go from one thread to another. */
 class Surface {
 public:
 	//! `size` in the window's pixels; device pixels are `scale` times as many, rounded up.
@@ -30,10 +30,11 @@ public:
 	QSize Size() const { return fSize; }
 	float Scale() const { return fImage.devicePixelRatio(); }
 
-	/*!	The painter, cut to `clip` (in the window's coordinates) and moved so that 0, 0 is `origin`. The image counts as
-		drawn into from now on. */
+	/*!	The painter, cut to `clip` (in the window's coordinates) and moved so that 0, 0 is `origin`.
+		The image counts as drawn into from now on. */
 	QPainter& Painter(const QRegion& clip, QPointF origin);
-	//! Copies an image of the same format and scale with its top left corner at `where`; false when that needs a painter.
+	/*!	Copies an image of the same format and scale with its top left corner at `where`; false when
+		that needs a painter. */
 	bool Copy(const QImage& source, QPointF where, const QRegion& clip);
 	//! After a text: see above.
 	void TextDrawn(bool keepPainter);

@@ -334,8 +334,8 @@ BView::FillEllipse(BRect rect, ::pattern p)
 	painter->setRenderHint(QPainter::Antialiasing, false);
 }
 
-/*!	The bitmap's own memory, as a shared image would be copied when the bitmap is written to next. B_OP_COPY takes the pixels as they are, without
-	their alpha. */
+/*!	The bitmap's own memory, as a shared image would be copied when the bitmap is written to next.
+	B_OP_COPY takes the pixels as they are, without their alpha. */
 static QImage
 image_to_draw(const BBitmap* bitmap, drawing_mode mode)
 {

@@ -225,7 +225,8 @@ ViewData::SetFrame(BRect newFrame)
 	PostFrameEvent(moved, resized);
 }
 
-//! An edge that follows the parent's near edge stays, one that follows the far one goes with it, a centred one goes half the way.
+/*!	An edge that follows the parent's near edge stays, one that follows the far one goes with it, a
+	centred one goes half the way. */
 static float
 followed(float position, uint32 rule, uint32 farRule, float growth)
 {

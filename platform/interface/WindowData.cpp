@@ -71,7 +71,8 @@ WindowData::SendTraits()
 	});
 }
 
-//! On this side at once, on the screen some time later; reports older than that do not count any more.
+/*!	On this side at once, on the screen some time later; reports older than that do not count any
+	more. */
 void
 WindowData::SetFrame(BRect newFrame)
 {
@@ -119,8 +120,8 @@ WindowData::Invalidate(const QRegion& region)
 	ScheduleUpdate();
 }
 
-/*!	In the window's own thread the end of the batch of messages is the update; another thread must wake it for that. If the queue is
-	full there is a batch to come anyway. */
+/*!	In the window's own thread the end of the batch of messages is the update; another thread must
+	wake it for that. If the queue is full there is a batch to come anyway. */
 void
 WindowData::ScheduleUpdate()
 {

@@ -16,8 +16,10 @@ namespace BPrivate {
 
 struct WindowTraits;
 
-/*!	The inside of a window: what it knows of itself, its views' picture, and what happens with the server's messages.
-	Thread: under the window's lock; frame, decor and minimised also under `mirror`, so that others may read them without. */
+/*!	The inside of a window: what it knows of itself, its views' picture, and what happens with the
+	server's messages.
+	Thread: under the window's lock; frame, decor and minimised also under `mirror`, so that others
+	may read them without. */
 struct WindowData {
 	static WindowData& Of(const BWindow* window) { return *window->fData; }
 
@@ -81,7 +83,8 @@ struct WindowData {
 	// Drawing
 	void Invalidate(const QRegion& region);
 	void ScheduleUpdate();
-	//! Draws what is invalid, and commits. `evenHidden`: for a picture of a window that nobody sees.
+	/*!	Draws what is invalid, and commits. `evenHidden`: for a picture of a window that nobody
+		sees. */
 	void Update(bool evenHidden = false);
 	//! Gives the server the picture, if anything was drawn since the last time.
 	void Commit();

@@ -13,7 +13,8 @@ namespace BPrivate {
 static constexpr uint32 kShortcutModifiers
 	= B_SHIFT_KEY | B_COMMAND_KEY | B_CONTROL_KEY | B_OPTION_KEY;
 
-/*!	What the window does itself with a message, before anybody's MessageReceived(). False: it is for the looper. */
+/*!	What the window does itself with a message, before anybody's MessageReceived(). False: it is for
+	the looper. */
 bool
 WindowData::HandleMessage(BMessage* message, BHandler* target)
 {
@@ -79,7 +80,8 @@ WindowData::HandleMessage(BMessage* message, BHandler* target)
 	}
 }
 
-/*!	A report from before the newest MoveTo() or ResizeTo() tells old news: another one is on its way. */
+/*!	A report from before the newest MoveTo() or ResizeTo() tells old news: another one is on its
+	way. */
 void
 WindowData::FrameReported(BMessage* message, bool moved)
 {

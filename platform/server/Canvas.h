@@ -9,7 +9,8 @@
 
 namespace BPrivate {
 
-/*!	The content of a window: shows the newest frame that its thread drew, and turns the pointer, the keys and dragged files into messages.
+/*!	The content of a window: shows the newest frame that its thread drew, and turns the pointer, the
+	keys and dragged files into messages.
 	The window's controls are its children. Server thread only. */
 class Canvas : public QWidget {
 public:

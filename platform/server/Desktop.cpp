@@ -103,8 +103,8 @@ read_screens()
 	return infos;
 }
 
-/*!	A family for Han characters in the forms that Japanese readers expect. Fonts for all of China, Japan and Korea name their forms
-	in the family. */
+/*!	A family for Han characters in the forms that Japanese readers expect. Fonts for all of China,
+	Japan and Korea name their forms in the family. */
 QString
 find_han_family()
 {

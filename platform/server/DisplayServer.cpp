@@ -104,7 +104,8 @@ DisplayServer::Run()
 	Shutdown();
 }
 
-/*!	The widgets end on the server's own thread, after the last looper; QApplication::quit() would ask the windows, which always refuse. */
+/*!	The widgets end on the server's own thread, after the last looper; QApplication::quit() would
+	ask the windows, which always refuse. */
 void
 DisplayServer::Stop()
 {

@@ -13,10 +13,12 @@ class QSocketNotifier;
 
 namespace BPrivate {
 
-/*!	The display server of this process: the toolkit's application, the link and the registry, on the thread that makes the
-	BApplication. It runs no client's code, takes no looper's lock and waits for no looper.
-	When the X server dies, the toolkit calls exit() on the main thread. Exit.cpp has that call ask the application to quit, let every
-	blocked caller go on with nothing, and give the loopers a second to save what they have. */
+/*!	The display server of this process: the toolkit's application, the link and the registry, on the
+	thread that makes the BApplication. It runs no client's code, takes no looper's lock and waits
+	for no looper.
+	When the X server dies, the toolkit calls exit() on the main thread. Exit.cpp has that call ask
+	the application to quit, let every blocked caller go on with nothing, and give the loopers a
+	second to save what they have. */
 class DisplayServer : public MainThreadService {
 public:
 	static DisplayServer& Default();
@@ -24,8 +26,8 @@ public:
 	void Start() override;
 	void Run() override;
 	void Stop() override;
-	/*!	For a call of exit(). False: loopers are left, so that nothing of theirs may be destroyed. True at once on any thread but the
-		server's own. */
+	/*!	For a call of exit(). False: loopers are left, so that nothing of theirs may be destroyed.
+		True at once on any thread but the server's own. */
 	bool EndBeforeExit();
 
 private:

@@ -12,7 +12,8 @@
 namespace BPrivate {
 
 // Messages between the server and the windows' side, all with "when" (int64).
-// code                          fields                                                                 from
+// code                          fields                                                             
+//    from
 enum {
 	kUpdateMessage = '_UPD', // none; the window to itself: draw what is invalid
 	kScaleMessage = '_SCL',  // "be:scale" float: the window is now on a screen of that scale
@@ -32,8 +33,8 @@ struct PointerMove {
 	int64 when;
 };
 
-/*!	Keeps moves of the pointer from filling the queue of a window that is busy: while one move's message waits, newer moves go into
-	its slot here. Any thread. */
+/*!	Keeps moves of the pointer from filling the queue of a window that is busy: while one move's
+	message waits, newer moves go into its slot here. Any thread. */
 class MoveSlots {
 public:
 	//! The number of the slot to send a message for, or 0 when one that waits takes it along.
@@ -51,7 +52,8 @@ private:
 	int64 fLast = 0;
 };
 
-/*!	Sends the events of one window to its loopers' side; never waits: what does not fit into the queue is sent later, in order.
+/*!	Sends the events of one window to its loopers' side; never waits: what does not fit into the
+	queue is sent later, in order.
 	Server thread only. */
 class EventPort {
 public:

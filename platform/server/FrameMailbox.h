@@ -15,8 +15,8 @@ struct Frame {
 	QColor rest; // of what the window has beyond the image while it is being resized
 };
 
-/*!	Where a window's thread leaves its frames and the server finds the newest: at most one job is on its way, however many frames
-	are put. Any thread. */
+/*!	Where a window's thread leaves its frames and the server finds the newest: at most one job is on
+	its way, however many frames are put. Any thread. */
 class FrameMailbox {
 public:
 	//! True when a job that takes the frame must be posted.
@@ -35,7 +35,8 @@ public:
 		fPosted = false;
 		return std::exchange(fFrame, std::nullopt);
 	}
-	//! The server gives back the image of a frame that it shows no more, so that its memory serves again.
+	/*!	The server gives back the image of a frame that it shows no more, so that its memory serves
+		again. */
 	void GiveBack(QImage image)
 	{
 		std::lock_guard lock(fMutex);

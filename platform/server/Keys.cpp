@@ -34,8 +34,8 @@ constexpr SpecialKey kSpecialKeys[] = {
 	{Qt::Key_ScrollLock, B_FUNCTION_KEY},
 };
 
-/*!	Key codes by the kernel's numbers (linux/input-event-codes.h), which are the X server's less 8. The rows of the main block
-	number on from left to right on both sides. */
+/*!	Key codes by the kernel's numbers (linux/input-event-codes.h), which are the X server's less 8.
+	The rows of the main block number on from left to right on both sides. */
 struct CodeRun {
 	int kernelFirst;
 	int count;

@@ -10,8 +10,8 @@ namespace BPrivate {
 //! A number for a widget-to-be, never used twice. Any thread.
 int64 next_widget_id();
 
-/*!	The server's widgets by number: a client never holds a widget, only its number, and a job that finds none does nothing. Server
-	thread only. */
+/*!	The server's widgets by number: a client never holds a widget, only its number, and a job that
+	finds none does nothing. Server thread only. */
 class Registry {
 public:
 	static Registry& Default();

@@ -106,7 +106,8 @@ ServerLink::Close()
 	std::deque<Job> dropped;
 	std::lock_guard lock(fMutex);
 	fOpen = false;
-	// their tickets end outside of this list, but may as well do so under the lock: waking takes no other one of ours
+	// their tickets end outside of this list, but may as well do so under the lock: waking takes no
+	// other one of ours
 	dropped.swap(fJobs);
 }
 

@@ -11,14 +11,16 @@
 
 namespace BPrivate {
 
-//! Is the caller the thread that serves, while it serves? Such a caller must not lock a looper nor wait for one.
+/*!	Is the caller the thread that serves, while it serves? Such a caller must not lock a looper nor
+	wait for one. */
 bool on_server_thread();
 
 /*!	The one way from the clients' threads to the display server.
-	Jobs run in the order in which they were posted, one at a time, on the server's thread. A job holds plain values and ids only, and its
-	code is the layer's own, because an add-on's code may be unloaded while its job waits.
-	Any thread may post; from Open() until the server serves, jobs wait, and the thread that opened the link may call: it then runs what
-	waits itself. */
+	Jobs run in the order in which they were posted, one at a time, on the server's thread. A job
+	holds plain values and ids only, and its code is the layer's own, because an add-on's code may
+	be unloaded while its job waits.
+	Any thread may post; from Open() until the server serves, jobs wait, and the thread that opened
+	the link may call: it then runs what waits itself. */
 class ServerLink {
 public:
 	using Job = std::function<void()>;
@@ -27,8 +29,8 @@ public:
 
 	//! False, and the job is dropped, when the link is closed.
 	bool Post(Job job);
-	/*!	Runs `function` on the server and answers what it returns; nothing when the link is closed before that. Not from the
-		server's own jobs. */
+	/*!	Runs `function` on the server and answers what it returns; nothing when the link is closed
+		before that. Not from the server's own jobs. */
 	template<typename Function>
 	auto Call(Function function) -> std::optional<std::invoke_result_t<Function>>
 	{
@@ -50,7 +52,8 @@ public:
 	bool IsOwner() const;
 	//! Readable when jobs wait.
 	int WakeDescriptor() const { return fWake; }
-	/*!	Runs at most `limit` jobs. A job may enter an event loop of its own: the rest is then done in that one. */
+	/*!	Runs at most `limit` jobs. A job may enter an event loop of its own: the rest is then done
+		in that one. */
 	void RunJobs(int limit);
 
 private:

@@ -136,7 +136,8 @@ ServerWindow::FlagsFor(const WindowTraits& traits) const
 	return flags;
 }
 
-/*!	On the QWindow, because QWidget::setWindowFlags() hides and recreates the window and shifts it by its border. */
+/*!	On the QWindow, because QWidget::setWindowFlags() hides and recreates the window and shifts it
+	by its border. */
 void
 ServerWindow::ApplyFlags()
 {

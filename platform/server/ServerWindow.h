@@ -19,8 +19,9 @@ struct WindowTraits {
 };
 
 /*!	A window of the desktop. It never closes by itself: its looper decides. Server thread only.
-	Reports to its port: B_WINDOW_MOVED, B_WINDOW_RESIZED (with "be:generation", the number of the last SetFrame() it had seen, and "be:decor",
-	the frame with the border), B_WINDOW_ACTIVATED, B_MINIMIZE, B_SCREEN_CHANGED, kScaleMessage and B_QUIT_REQUESTED. */
+	Reports to its port: B_WINDOW_MOVED, B_WINDOW_RESIZED (with "be:generation", the number of the
+	last SetFrame() it had seen, and "be:decor", the frame with the border), B_WINDOW_ACTIVATED,
+	B_MINIMIZE, B_SCREEN_CHANGED, kScaleMessage and B_QUIT_REQUESTED. */
 class ServerWindow : public QWidget {
 public:
 	ServerWindow(const WindowTraits& traits, std::shared_ptr<EventPort> port,

@@ -15,12 +15,14 @@ class BView;
 
 namespace BPrivate {
 
-/*!	The server's end of a proxy: sends what the user does with the widget to the view. Server thread only. Owner: its proxy's widget. */
+/*!	The server's end of a proxy: sends what the user does with the widget to the view. Server thread
+	only. Owner: its proxy's widget. */
 class ProxySink : public QObject {
 public:
 	explicit ProxySink(QWidget* widget);
 
-	//! To the proxy's event hook, on the window's thread. Nothing happens while the view is in no window.
+	/*!	To the proxy's event hook, on the window's thread. Nothing happens while the view is in no
+		window. */
 	void Send(BMessage event);
 	void SetTarget(std::shared_ptr<EventPort> port, const BMessenger& target);
 	void SetSerial(int64 serial) { fSerial = serial; }
@@ -32,10 +34,14 @@ private:
 	int64 fSerial = 0;
 };
 
-/*!	The views' end of a real widget that stands for a view: a control of the desktop's own, child of the window's canvas.
-	A control's class makes one in its constructor and gives it to its view (ViewData::SetProxy()). The widget lives as long as the proxy; it is
-	shown where the view is while that is in a window. Everything that is set is kept by the control itself as well, so that reading a value never waits.
-	Thread: the view's. The functions given in run on the server's thread: they are the layer's own code, and capture plain values only. */
+/*!	The views' end of a real widget that stands for a view: a control of the desktop's own, child of
+	the window's canvas.
+	A control's class makes one in its constructor and gives it to its view (ViewData::SetProxy()).
+	The widget lives as long as the proxy; it is shown where the view is while that is in a window.
+	Everything that is set is kept by the control itself as well, so that reading a value never
+	waits.
+	Thread: the view's. The functions given in run on the server's thread: they are the layer's own
+	code, and capture plain values only. */
 class WidgetProxy {
 public:
 	//! Makes the widget, without a parent, with a sink for it: see MakerOf().
@@ -48,8 +54,9 @@ public:
 	WidgetProxy(const WidgetProxy&) = delete;
 	WidgetProxy& operator=(const WidgetProxy&) = delete;
 
-	/*!	The usual maker: a new Widget without arguments, then `connect(widget, sink)`, which connects the widget's signals to calls of
-		`sink->Send()`, a message with fields of the control's own. */
+	/*!	The usual maker: a new Widget without arguments, then `connect(widget, sink)`, which
+		connects the widget's signals to calls of `sink->Send()`, a message with fields of the
+		control's own. */
 	template<typename Widget, typename Connect> static Maker MakerOf(Connect connect)
 	{
 		return [connect]() -> QWidget* {
@@ -59,8 +66,9 @@ public:
 		};
 	}
 
-	/*!	Changes the widget some time later; its signals are blocked meanwhile, so that no event comes back. Events that were on their way
-		before the change are stale: they do not reach the hook. */
+	/*!	Changes the widget some time later; its signals are blocked meanwhile, so that no event
+		comes back. Events that were on their way before the change are stale: they do not reach the
+		hook. */
 	template<typename Widget, typename Function> void Set(Function change)
 	{
 		ServerLink::Default().Post([id = fId, serial = ++fSerial, change] {
@@ -92,7 +100,8 @@ public:
 		});
 		return answer ? *answer : std::nullopt;
 	}
-	//! What the widget would like, as BView::GetPreferredSize() counts; nothing when the server has gone.
+	/*!	What the widget would like, as BView::GetPreferredSize() counts; nothing when the server has
+		gone. */
 	std::optional<QSize> PreferredSize();
 	int64 Id() const { return fId; }
 

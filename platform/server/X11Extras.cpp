@@ -41,7 +41,8 @@ find_atom(xcb_connection_t* x, const char* name)
 	return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
-//! To the window manager, about one of our windows (freedesktop.org's Extended Window Manager Hints).
+/*!	To the window manager, about one of our windows (freedesktop.org's Extended Window Manager
+	Hints). */
 bool
 send_hint(const QWidget& window, const char* type, uint32 first, uint32 second, uint32 third)
 {

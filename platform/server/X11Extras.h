@@ -3,7 +3,8 @@
 #include <QWidget>
 #include <SupportDefs.h>
 
-/*!	What Qt does not tell or do under X. Server thread only; without an X server every function does nothing and answers false. */
+/*!	What Qt does not tell or do under X. Server thread only; without an X server every function does
+	nothing and answers false. */
 namespace BPrivate::X11Extras {
 
 struct PointerMask {

@@ -13,7 +13,8 @@
 #include <Window.h>
 #include <gtest/gtest.h>
 
-// What tests of shown things need: the server's end of a window, its pixels, and input as a user would make it.
+// What tests of shown things need: the server's end of a window, its pixels, and input as a user
+// would make it.
 
 //! Runs a function of a window's server end on the server's thread and answers what it returns.
 template<typename Function>

@@ -9,9 +9,11 @@ class WidgetProxy;
 
 enum { B_CONTROL_OFF = 0, B_CONTROL_ON = 1, B_CONTROL_PARTIALLY_ON = 2 };
 
-/*!	The base of the standard controls: a label, a value, enabled or not, and a message that Invoke() sends.
-	The controls are the desktop's own, so they draw themselves and take the mouse and the keys themselves; Draw(), MouseDown()
-	and KeyDown() of one that is such a control are not called. Value(), Label() and IsEnabled() never wait. */
+/*!	The base of the standard controls: a label, a value, enabled or not, and a message that Invoke()
+	sends.
+	The controls are the desktop's own, so they draw themselves and take the mouse and the keys
+	themselves; Draw(), MouseDown() and KeyDown() of one that is such a control are not called.
+	Value(), Label() and IsEnabled() never wait. */
 class BControl : public BView, public BInvoker {
 public:
 	//! Owns `message`, which may be NULL.
@@ -21,8 +23,8 @@ public:
 
 	void AttachedToWindow() override;
 	void MakeFocus(bool focus = true) override;
-	/*!	Sends a copy of `message`, or of the control's own for NULL, with "when" (int64), "source" (pointer) and
-		"be:value" (int32). B_BAD_VALUE when there is neither. */
+	/*!	Sends a copy of `message`, or of the control's own for NULL, with "when" (int64), "source"
+		(pointer) and "be:value" (int32). B_BAD_VALUE when there is neither. */
 	status_t Invoke(BMessage* message = NULL) override;
 	virtual void SetLabel(const char* label);
 	virtual void SetValue(int32 value);
@@ -34,7 +36,8 @@ public:
 	bool IsEnabled() const;
 
 protected:
-	//! Changes the value without telling the control on the screen, because that is where it came from.
+	/*!	Changes the value without telling the control on the screen, because that is where it came
+		from. */
 	void SetValueNoUpdate(int32 value);
 
 private:

@@ -53,8 +53,9 @@ struct font_height {
 };
 
 /*!	A family, style, size and flags: a plain value without a thread.
-	A family that is not installed stays as it was named, and each of its characters is drawn in the desktop's default font, or in
-	one that has it. Han characters take the Japanese forms unless the desktop's language is Chinese or Korean. */
+	A family that is not installed stays as it was named, and each of its characters is drawn in the
+	desktop's default font, or in one that has it. Han characters take the Japanese forms unless the
+	desktop's language is Chinese or Korean. */
 class BFont {
 public:
 	//! Like *be_plain_font.
@@ -64,13 +65,16 @@ public:
 	explicit BFont(const BFont* font);
 	BFont& operator=(const BFont& other) = default;
 
-	/*!	NULL for `family` keeps the family and looks for `style` in it, NULL for `style` takes the family's regular style.
-		B_NAME_TOO_LONG and no change when a name has more than 63 bytes; a name that is not installed is taken (see above). */
+	/*!	NULL for `family` keeps the family and looks for `style` in it, NULL for `style` takes the
+		family's regular style.
+		B_NAME_TOO_LONG and no change when a name has more than 63 bytes; a name that is not
+		installed is taken (see above). */
 	status_t SetFamilyAndStyle(const char* family, const char* style);
 	//! The style of the family that has these faces; NULL for `family` keeps it.
 	status_t SetFamilyAndFace(const char* family, uint16 face);
 	status_t SetFace(uint16 face);
-	//! Height of the em square in pixels; fractions count. Below 0 becomes 0, above 10000 becomes 10000.
+	/*!	Height of the em square in pixels; fractions count. Below 0 becomes 0, above 10000 becomes
+		10000. */
 	void SetSize(float size);
 	void SetSpacing(uint8 spacing);
 	void SetEncoding(uint8 encoding);
@@ -86,8 +90,9 @@ public:
 
 	//! Heights of the font itself, not of a particular text.
 	void GetHeight(font_height* height) const;
-	/*!	Width in pixels of UTF-8 text. Of a text of more than 4096 UTF-16 units only that much counts, and the result is never above
-		32767, so that no text takes longer than some milliseconds. NULL and a length of 0 give 0; a negative length means up to the NUL. */
+	/*!	Width in pixels of UTF-8 text. Of a text of more than 4096 UTF-16 units only that much
+		counts, and the result is never above 32767, so that no text takes longer than some
+		milliseconds. NULL and a length of 0 give 0; a negative length means up to the NUL. */
 	float StringWidth(const char* string) const;
 	float StringWidth(const char* string, int32 length) const;
 
@@ -111,8 +116,8 @@ extern const BFont* be_plain_font;
 extern const BFont* be_bold_font;
 extern const BFont* be_fixed_font;
 
-/*!	The installed families in the order of their names. Any thread; the list is kept until update_font_families() or a change of the
-	fonts. */
+/*!	The installed families in the order of their names. Any thread; the list is kept until
+	update_font_families() or a change of the fonts. */
 int32 count_font_families();
 //! B_ERROR for an index out of range; `flags`, if not NULL, gets 0.
 status_t get_font_family(int32 index, font_family* family, uint32* flags = NULL);

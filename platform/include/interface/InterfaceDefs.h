@@ -27,7 +27,8 @@ enum {
 	B_FUNCTION_KEY = 0x10,
 };
 
-//! Key codes: "key" of the key messages. The codes of all keys are the platform's (Escape 0x01 to Menu 0x68).
+/*!	Key codes: "key" of the key messages. The codes of all keys are the platform's (Escape 0x01 to
+	Menu 0x68). */
 enum {
 	B_F1_KEY = 0x02,
 	B_F2_KEY = 0x03,
@@ -46,8 +47,9 @@ enum {
 	B_PAUSE_KEY = 0x10,
 };
 
-/*! What modifiers() and "modifiers" of the mouse and key messages are made of. Command is the Alt key, Control is Ctrl,
-	Option is the Super (logo) key. The left and right bits come with key messages only as far as the desktop tells them. */
+/*! What modifiers() and "modifiers" of the mouse and key messages are made of. Command is the Alt
+	key, Control is Ctrl, Option is the Super (logo) key. The left and right bits come with key
+	messages only as far as the desktop tells them. */
 enum {
 	B_SHIFT_KEY = 0x00000001,
 	B_COMMAND_KEY = 0x00000002,
@@ -67,8 +69,9 @@ enum {
 	B_RIGHT_OPTION_KEY = 0x00008000,
 };
 
-/*!	The modifier keys held at this moment, whoever has the focus. Any thread; asks the display server, so a call takes some
-	ten microseconds and the last known state is returned once the server has gone. */
+/*!	The modifier keys held at this moment, whoever has the focus. Any thread; asks the display
+	server, so a call takes some ten microseconds and the last known state is returned once the
+	server has gone. */
 uint32 modifiers();
 
 enum button_width { B_WIDTH_AS_USUAL, B_WIDTH_FROM_WIDEST, B_WIDTH_FROM_LABEL };
@@ -123,10 +126,12 @@ enum color_which {
 	B_LINK_TEXT_COLOR = 40,
 };
 
-//! The colour that the desktop uses for `which`; black for a number that is none of the above. Any thread.
+/*!	The colour that the desktop uses for `which`; black for a number that is none of the above. Any
+	thread. */
 rgb_color ui_color(color_which which);
 
-//! The pointer in screen coordinates and the buttons held (B_PRIMARY_MOUSE_BUTTON...); either pointer may be NULL.
+/*!	The pointer in screen coordinates and the buttons held (B_PRIMARY_MOUSE_BUTTON...); either
+	pointer may be NULL. */
 status_t get_mouse(BPoint* screenWhere, uint32* buttons);
 //! The longest time between the clicks of a double click, in microseconds.
 status_t get_click_speed(bigtime_t* speed);

@@ -32,7 +32,8 @@ const uint32 B_NAVIGABLE_JUMP = 0x08000000;
 const uint32 B_FRAME_EVENTS = 0x04000000;
 const uint32 B_NAVIGABLE = 0x02000000;
 
-// Resizing modes: which edge of the parent each of the four edges (top, left, bottom, right, a nibble each) keeps its distance to.
+// Resizing modes: which edge of the parent each of the four edges (top, left, bottom, right, a
+// nibble each) keeps its distance to.
 const uint32 B_FOLLOW_NONE = 0;
 const uint32 B_FOLLOW_LEFT = 0x0202;
 const uint32 B_FOLLOW_RIGHT = 0x0404;
@@ -46,11 +47,14 @@ const uint32 B_FOLLOW_ALL_SIDES = B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP_BOTTOM;
 const uint32 B_FOLLOW_ALL = B_FOLLOW_ALL_SIDES;
 const uint32 B_FOLLOW_LEFT_TOP = B_FOLLOW_LEFT | B_FOLLOW_TOP;
 
-/*!	A rectangle of a window (or of a bitmap that accepts views) that draws and is told of the mouse and the keys.
-	Thread: everything but the constructor needs the window locked once the view is in one. Owner: the parent or the window, which
-	deletes it; a view without either belongs to whoever made it.
-	Coordinates: a pixel is a whole number, and a rectangle takes in its right and bottom edge: (0, 0, 9, 9) is 10 pixels wide.
-	Drawing outside Draw() is allowed; it gets to the screen when the window has dealt with the messages it has, or by Flush() or Sync().
+/*!	A rectangle of a window (or of a bitmap that accepts views) that draws and is told of the mouse
+	and the keys.
+	Thread: everything but the constructor needs the window locked once the view is in one. Owner:
+	the parent or the window, which deletes it; a view without either belongs to whoever made it.
+	Coordinates: a pixel is a whole number, and a rectangle takes in its right and bottom edge: (0,
+	0, 9, 9) is 10 pixels wide.
+	Drawing outside Draw() is allowed; it gets to the screen when the window has dealt with the
+	messages it has, or by Flush() or Sync().
 	Text that is no valid UTF-8 is drawn with replacement characters. */
 class BView : public BHandler {
 public:
@@ -69,7 +73,8 @@ public:
 	virtual void FrameResized(float newWidth, float newHeight);
 	virtual void MouseDown(BPoint where);
 	virtual void MouseUp(BPoint where);
-	//! `dragMessage`: the files (B_SIMPLE_DATA with "refs") that the pointer is dragging over the window, else NULL.
+	/*!	`dragMessage`: the files (B_SIMPLE_DATA with "refs") that the pointer is dragging over the
+		window, else NULL. */
 	virtual void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage);
 	virtual void KeyDown(const char* bytes, int32 numBytes);
 	virtual void KeyUp(const char* bytes, int32 numBytes);
@@ -147,16 +152,18 @@ public:
 	void Invalidate(BRect rect);
 	//! Puts what was drawn on the screen, complete, without waiting for it to be seen.
 	void Flush() const;
-	/*!	Like Flush(): the frame is given to the server when this returns, and later drawing cannot change it. In Draw(), a view may
-		so show its picture and then go on to something else; unless more is drawn into the window, no other frame follows. */
+	/*!	Like Flush(): the frame is given to the server when this returns, and later drawing cannot
+		change it. In Draw(), a view may so show its picture and then go on to something else;
+		unless more is drawn into the window, no other frame follows. */
 	void Sync() const;
 
-	/*!	Where the pointer is, in the view's coordinates, and its buttons. `checkMessageQueue` changes nothing: the answer is always
-		of this moment. */
+	/*!	Where the pointer is, in the view's coordinates, and its buttons. `checkMessageQueue`
+		changes nothing: the answer is always of this moment. */
 	void GetMouse(BPoint* where, uint32* buttons, bool checkMessageQueue = true);
 	status_t SetEventMask(uint32 mask, uint32 options = 0);
 	uint32 EventMask();
-	//! From MouseDown() only: the view gets these events, wherever the pointer is, until the last button is released.
+	/*!	From MouseDown() only: the view gets these events, wherever the pointer is, until the last
+		button is released. */
 	status_t SetMouseEventMask(uint32 mask, uint32 options = 0);
 
 	//! The red, green and blue of B_TRANSPARENT_COLOR: the view is never erased before Draw().
@@ -172,7 +179,8 @@ public:
 	float StringWidth(const char* string) const;
 	float StringWidth(const char* string, int32 length) const;
 	float PenSize() const;
-	//! B_OP_COPY (alpha does not count), B_OP_OVER and B_OP_ALPHA; any other is drawn like B_OP_COPY.
+	/*!	B_OP_COPY (alpha does not count), B_OP_OVER and B_OP_ALPHA; any other is drawn like
+		B_OP_COPY. */
 	drawing_mode DrawingMode() const;
 	//! Colours, font, pen and drawing mode; PopState() without PushState() does nothing.
 	void PushState();
@@ -183,7 +191,8 @@ public:
 	void MovePenBy(float dh, float dv);
 	BPoint PenLocation() const;
 
-	// The baseline begins at the pen, which then stands behind the text. Of very long text only the beginning (see BFont::StringWidth()).
+	// The baseline begins at the pen, which then stands behind the text. Of very long text only the
+	// beginning (see BFont::StringWidth()).
 	void DrawString(const char* string);
 	void DrawString(const char* string, BPoint location);
 	void DrawString(const char* string, int32 length);
@@ -197,7 +206,8 @@ public:
 	void StrokeEllipse(BRect rect, ::pattern p = B_SOLID_HIGH);
 	void FillEllipse(BRect rect, ::pattern p = B_SOLID_HIGH);
 
-	// NULL or an invalid bitmap draws nothing. A bitmap that accepts views must not be drawn into meanwhile, unless it is locked.
+	// NULL or an invalid bitmap draws nothing. A bitmap that accepts views must not be drawn into
+	// meanwhile, unless it is locked.
 	void DrawBitmap(const BBitmap* bitmap);
 	void DrawBitmap(const BBitmap* bitmap, BPoint where);
 	void DrawBitmap(const BBitmap* bitmap, BRect viewRect);

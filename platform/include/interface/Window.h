@@ -29,8 +29,9 @@ enum window_look {
 	B_FLOATING_WINDOW_LOOK = 7,
 };
 
-/*!	B_FLOATING_ALL_WINDOW_FEEL is above all other windows of the desktop; the other floating feels are too, as the desktop knows no
-	"above this application's windows". The modal feels keep the application's other windows from input while the window is shown. */
+/*!	B_FLOATING_ALL_WINDOW_FEEL is above all other windows of the desktop; the other floating feels
+	are too, as the desktop knows no "above this application's windows". The modal feels keep the
+	application's other windows from input while the window is shown. */
 enum window_feel {
 	B_NORMAL_WINDOW_FEEL = 0,
 	B_MODAL_SUBSET_WINDOW_FEEL = 2,
@@ -68,14 +69,17 @@ enum {
 #define B_ALL_WORKSPACES 0xffffffff
 
 /*!	A window of the desktop and the looper that runs it.
-	Thread: its own, which Show() starts; everything but the constructor, Show() and posting messages needs the lock (the constructor leaves
-	it locked until the first Show()). Owner: itself; Quit() deletes it, and its views with it.
-	Frame() and Title() are what this side knows, without asking the server: Frame() changes with MoveTo() and ResizeTo() at once, and with
-	what the user does when B_WINDOW_MOVED or B_WINDOW_RESIZED is dispatched. The close button posts a B_QUIT_REQUESTED with an int64 "when",
+	Thread: its own, which Show() starts; everything but the constructor, Show() and posting
+	messages needs the lock (the constructor leaves it locked until the first Show()). Owner:
+	itself; Quit() deletes it, and its views with it.
+	Frame() and Title() are what this side knows, without asking the server: Frame() changes with
+	MoveTo() and ResizeTo() at once, and with what the user does when B_WINDOW_MOVED or
+	B_WINDOW_RESIZED is dispatched. The close button posts a B_QUIT_REQUESTED with an int64 "when",
 	which one from the application has not. */
 class BWindow : public BLooper {
 public:
-	//! `frame` is that of the content, in screen coordinates; `workspaces` B_ALL_WORKSPACES or anything else for the current one.
+	/*!	`frame` is that of the content, in screen coordinates; `workspaces` B_ALL_WORKSPACES or
+		anything else for the current one. */
 	BWindow(BRect frame, const char* title, window_type type, uint32 flags,
 		uint32 workspaces = B_CURRENT_WORKSPACE);
 	BWindow(BRect frame, const char* title, window_look look, window_feel feel, uint32 flags,
@@ -95,7 +99,8 @@ public:
 	virtual void ScreenChanged(BRect screenSize, color_space depth);
 	//! Also the hook that is called when the user minimises the window or brings it back.
 	virtual void Minimize(bool minimize);
-	//! Hide() and Show() are counted: after two Hide() it takes two Show(). A new window is hidden once.
+	/*!	Hide() and Show() are counted: after two Hide() it takes two Show(). A new window is hidden
+		once. */
 	virtual void Show();
 	virtual void Hide();
 
@@ -103,7 +108,8 @@ public:
 	bool IsMinimized() const;
 	void Activate(bool activate = true);
 	bool IsActive() const;
-	//! No other window of the application is in front of it, as far as the desktop tells: it was the last to be active.
+	/*!	No other window of the application is in front of it, as far as the desktop tells: it was
+		the last to be active. */
 	bool IsFront() const;
 
 	//! The content, in screen coordinates. Any thread that knows the window to exist.
@@ -127,7 +133,8 @@ public:
 	window_look Look() const;
 	status_t SetLook(window_look look);
 	window_feel Feel() const;
-	//! Takes effect on a visible window without hiding it. B_BAD_VALUE for a number that is no feel.
+	/*!	Takes effect on a visible window without hiding it. B_BAD_VALUE for a number that is no
+		feel. */
 	status_t SetFeel(window_feel feel);
 	uint32 Flags() const;
 	status_t SetFlags(uint32 flags);
@@ -141,7 +148,8 @@ public:
 	BView* FindView(BPoint point) const;
 	BView* CurrentFocus() const;
 
-	//! A key that, with Command and `modifiers`, posts `message` (owned by the window) to it, or to `target`. B_MENU_KEY and others do not count.
+	/*!	A key that, with Command and `modifiers`, posts `message` (owned by the window) to it, or to
+		`target`. B_MENU_KEY and others do not count. */
 	void AddShortcut(uint32 key, uint32 modifiers, BMessage* message);
 	void AddShortcut(uint32 key, uint32 modifiers, BMessage* message, BHandler* target);
 	void RemoveShortcut(uint32 key, uint32 modifiers);
@@ -151,7 +159,8 @@ public:
 	BRect ConvertToScreen(BRect rect) const;
 	BRect ConvertFromScreen(BRect rect) const;
 
-	//! Draws what waits to be drawn, now. Nothing while the window is hidden or updates are disabled.
+	/*!	Draws what waits to be drawn, now. Nothing while the window is hidden or updates are
+		disabled. */
 	void UpdateIfNeeded();
 	void Flush() const;
 	void Sync() const;

@@ -1,5 +1,7 @@
-// A program whose main thread leaves by exit(), as the toolkit does when the X server dies; exit_test.cpp looks at its end.
-// Arguments: "willing" or "stubborn" (its window refuses to quit), and a file that the window writes when it ends.
+// A program whose main thread leaves by exit(), as the toolkit does when the X server dies;
+// exit_test.cpp looks at its end.
+// Arguments: "willing" or "stubborn" (its window refuses to quit), and a file that the window
+// writes when it ends.
 
 #include "server/ServerLink.h"
 

@@ -207,7 +207,8 @@ public:
 
 } // namespace
 
-//! Windows with controls, made, moved, drawn and closed by several threads, each of which also asks for the others' locks.
+/*!	Windows with controls, made, moved, drawn and closed by several threads, each of which also asks
+	for the others' locks. */
 TEST(Server, WindowsComeAndGoFromSeveralThreads)
 {
 	constexpr int kThreads = 3;
