@@ -7,12 +7,14 @@
 
 namespace BPrivate {
 
-//! The point in time `timeout` µs from now; B_INFINITE_TIMEOUT stays that.
+//! Further away than any machine runs; the steady clock counts in nanoseconds, which must not overflow.
+constexpr bigtime_t kForever = 100LL * 365 * 24 * 3600 * 1000000;
+
+//! The point in time `timeout` µs from now; B_INFINITE_TIMEOUT for one that never comes.
 inline bigtime_t
 deadline_after(bigtime_t timeout)
 {
-	const bigtime_t now = system_time();
-	return timeout > B_INFINITE_TIMEOUT - now ? B_INFINITE_TIMEOUT : now + timeout;
+	return timeout >= kForever ? B_INFINITE_TIMEOUT : system_time() + timeout;
 }
 
 //! Until something may have changed; false when `deadline` (of system_time()) is over.

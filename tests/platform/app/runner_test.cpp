@@ -2,6 +2,7 @@
 
 #include "platform/app/app_test_support.h"
 #include <MessageRunner.h>
+#include <ctime>
 #include <gtest/gtest.h>
 
 namespace {
@@ -153,6 +154,22 @@ TEST(MessageRunner, AndAFloodOfMessagesDoNotKeepEachOtherOut)
 	looper->Run();
 	BMessageRunner frequent(BMessenger(looper), BMessage(kBeat), 1); // due again at once
 	EXPECT_TRUE(happens([&] { return beats > 200 && others > 200; }));
+	quit(looper);
+}
+
+TEST(MessageRunner, SleepsThroughAnIntervalThatNeverEnds)
+{
+	Watchdog watchdog("a far beat");
+	Beats beats;
+	TestLooper* looper = beating_looper(beats);
+	BMessageRunner runner(BMessenger(looper), BMessage(kBeat), 1000000);
+	const clock_t before = clock();
+	for (const bigtime_t interval : {INT64_MAX, INT64_MAX / 2, INT64_MAX / 1000 + 1}) {
+		ASSERT_EQ(runner.SetInterval(interval), B_OK);
+		snooze(40000); // in which a looper that does not sleep would burn as much
+	}
+	EXPECT_LT(clock() - before, CLOCKS_PER_SEC * 60 / 1000);
+	EXPECT_EQ(beats.Count(), 0u);
 	quit(looper);
 }
 
