@@ -135,6 +135,7 @@ TTavoraDView::PrepareLyrics()
 	fTimeTable.Clear();
 	fDispLines.clear();
 	fCurrentLine = 0;
+	fLastDrawnLine = -1;
 	fPreRenderedLine = -1;
 	fSong = QuboSongEntry();
 	fModificationTime = 0;

@@ -82,6 +82,7 @@ private:
 	bool HasBGImage() const;
 
 	int32 fCurrentLine = 0;
+	int32 fLastDrawnLine = -1; // -1: nothing was drawn since the lyrics were loaded
 	TTimeTable fTimeTable;
 	TLineList fLyrics; // the text that the shown lines lie in
 	std::vector<std::string_view> fDispLines;

@@ -159,6 +159,7 @@ TTavoraDView::Draw(BRect)
 		DrawBitmap(fOffScreen.get(), BPoint(0, 0));
 	else
 		DrawLyrics(this, fCurrentLine);
+	fLastDrawnLine = fCurrentLine;
 
 	if (isBuffered && fPreRenderedLine != fCurrentLine + 1) {
 		// The picture goes out before the next one is made.
