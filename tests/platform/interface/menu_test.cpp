@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <mutex>
@@ -177,18 +178,45 @@ choose_by_keys(const char* label)
 	});
 }
 
+int
+count_open_menus()
+{
+	return *ServerLink::Default().Call([] {
+		const QWidgetList widgets = QApplication::topLevelWidgets();
+		return static_cast<int>(std::count_if(widgets.begin(), widgets.end(), [](QWidget* widget) {
+			return qobject_cast<QMenu*>(widget) != nullptr && widget->isVisible();
+		}));
+	});
+}
+
 bool
 all_closed()
 {
-	return wait_until([] {
-		return *ServerLink::Default().Call([] {
-			for (QWidget* widget : QApplication::topLevelWidgets()) {
-				if (qobject_cast<QMenu*>(widget) != nullptr && widget->isVisible())
-					return false;
-			}
-			return true;
+	return wait_until([] { return count_open_menus() == 0; });
+}
+
+/*!	Shortcuts are the active window's, and menus close when the application has none: on the offscreen platform, whenever a window or
+	a menu has gone. */
+void
+make_active(BWindow* window)
+{
+	EXPECT_TRUE(wait_until([=] {
+		return on_server(window, [](ServerWindow& server) {
+			// first the news of what has gone
+			QCoreApplication::processEvents();
+			server.activateWindow();
+			QCoreApplication::processEvents();
+			return QApplication::activeWindow() == &server;
 		});
-	});
+	}));
+	settle(window);
+}
+
+void
+show_active(BWindow* window)
+{
+	window->Show();
+	make_active(window);
 }
 
 void
@@ -289,8 +317,7 @@ TEST(Menu, MarksAndEnablingFollowTheTree)
 TEST(MenuBar, ItemsAreInvokedByMouseKeyboardAndShortcut)
 {
 	WindowHolder<BarWindow> window;
-	window->Show();
-	settle(window);
+	show_active(window);
 	EXPECT_GT(window->fBar->Bounds().Height(), 10) << "not as high as its items";
 	click_title(window, 0);
 	ASSERT_TRUE(click_item("Open && more"));
@@ -304,11 +331,13 @@ TEST(MenuBar, ItemsAreInvokedByMouseKeyboardAndShortcut)
 		EXPECT_GT(window->fLast.GetInt64("when", 0), 0);
 	}
 	EXPECT_TRUE(all_closed());
-
+	make_active(window);
 	click_title(window, 0);
 	ASSERT_TRUE(choose_by_keys("Mute"));
 	EXPECT_EQ(window->Got(2), uint32('mute'));
 
+	EXPECT_TRUE(all_closed());
+	make_active(window);
 	type_key(window, Qt::Key_O, Qt::AltModifier);
 	EXPECT_EQ(window->Got(3), uint32('open'));
 	type_key(window, Qt::Key_M, Qt::AltModifier | Qt::ShiftModifier | Qt::ControlModifier);
@@ -322,10 +351,10 @@ TEST(MenuBar, ItemsAreInvokedByMouseKeyboardAndShortcut)
 TEST(MenuBar, ASubMenuInRadioModeHasOneMark)
 {
 	WindowHolder<BarWindow> window;
-	window->Show();
-	settle(window);
+	show_active(window);
 	for (const char* label : {"Large", "Small", "Small"}) {
 		int before = window->fCount;
+		make_active(window);
 		click_title(window, 0);
 		ASSERT_TRUE(click_item("Size"));
 		ASSERT_TRUE(click_item(label));
@@ -352,8 +381,7 @@ TEST(MenuBar, ASubMenuInRadioModeHasOneMark)
 TEST(MenuBar, ShowsWhatChanges)
 {
 	WindowHolder<BarWindow> window;
-	window->Show();
-	settle(window);
+	show_active(window);
 	window->Lock();
 	BMenu* file = window->fBar->SubmenuAt(0);
 	file->ItemAt(0)->SetEnabled(false);
@@ -391,8 +419,7 @@ TEST(MenuBar, ShowsWhatChanges)
 TEST(MenuBar, AnItemThatWasRemovedMeanwhileIsNotInvoked)
 {
 	WindowHolder<BarWindow> window;
-	window->Show();
-	settle(window);
+	show_active(window);
 	window->Lock();
 	type_key(window, Qt::Key_O, Qt::AltModifier); // waits for the lock
 	delete window->fBar->SubmenuAt(0)->RemoveItem(int32(0));
@@ -405,8 +432,7 @@ TEST(MenuBar, AWindowEndsWithItsMenuOpen)
 {
 	for (int round = 0; round < 5; round++) {
 		WindowHolder<BarWindow> window;
-		window->Show();
-		settle(window);
+		show_active(window);
 		click_title(window, 0);
 		ASSERT_TRUE(click_item("Size"));
 		ASSERT_TRUE(is_open("Large"));
@@ -418,7 +444,7 @@ TEST(PopUpMenu, WaitsForTheChoice)
 {
 	WindowHolder<MenuWindow> window;
 	window->fPopUp = make_popup();
-	window->Show();
+	show_active(window);
 	window->PostMessage('wait');
 	ASSERT_TRUE(is_open("Off"));
 	EXPECT_EQ(window->fReturned, 0);
@@ -428,13 +454,14 @@ TEST(PopUpMenu, WaitsForTheChoice)
 	ASSERT_TRUE(wait_until([&] { return window->fReturned == 1; }));
 	EXPECT_EQ(window->fChosen, window->fPopUp->FindItem('belo'));
 	EXPECT_TRUE(all_closed());
-
+	make_active(window);
 	window->PostMessage('wait');
 	ASSERT_TRUE(menu_key("Hide", Qt::Key_Escape));
 	ASSERT_TRUE(wait_until([&] { return window->fReturned == 2; }));
 	EXPECT_EQ(window->fChosen, nullptr);
 	EXPECT_EQ(window->fCount, 0) << "it was not to be delivered";
 
+	make_active(window);
 	BMessage deliver('wait');
 	deliver.AddBool("deliver", true);
 	window->Lock();
@@ -449,7 +476,7 @@ TEST(PopUpMenu, WhoWaitsGivesUpWhenItMustQuit)
 {
 	auto window = new MenuWindow;
 	window->fPopUp = make_popup();
-	window->Show();
+	show_active(window);
 	BMessenger messenger(window);
 	window->PostMessage('wait');
 	ASSERT_TRUE(is_open("Hide"));
@@ -464,11 +491,10 @@ TEST(PopUpMenu, DeliversLater)
 	window->fPopUp = make_popup();
 	window->fPopUp->SetTargetForItems(static_cast<MenuWindow*>(window));
 	window->fPopUp->SetRadioMode(true);
-	window->Show();
+	show_active(window);
 	window->PostMessage('asyn');
 	ASSERT_TRUE(wait_until([&] { return window->fReturned == 1; })) << "it waited";
 	ASSERT_TRUE(is_open("Hide"));
-	window->PostMessage('asyn'); // it is open already: anew
 	window->PostMessage('renm');
 	ASSERT_TRUE(click_item("renamed"));
 	EXPECT_EQ(window->Got(1), uint32('hide'));
@@ -477,20 +503,26 @@ TEST(PopUpMenu, DeliversLater)
 	EXPECT_EQ(window->fPopUp->FindMarked(), window->fPopUp->ItemAt(0));
 	window->Unlock();
 
+	make_active(window);
 	window->PostMessage('asyn');
 	ASSERT_TRUE(menu_key("renamed", Qt::Key_Escape));
 	EXPECT_TRUE(all_closed());
 	settle(window);
 	EXPECT_EQ(window->fCount, 1);
+	make_active(window);
 	window->PostMessage('asyn');
 	EXPECT_TRUE(is_open("renamed")) << "it does not open again";
+	// once more while it is open
+	window->PostMessage('asyn');
+	settle(window);
+	EXPECT_LE(count_open_menus(), 1);
 }
 
 TEST(PopUpMenu, OpensWithoutAButtonOnlyWhenItMay)
 {
 	WindowHolder<MenuWindow> window;
 	window->fPopUp = make_popup();
-	window->Show();
+	show_active(window);
 	BMessage ask('asyn');
 	ask.AddBool("open", false);
 	window->PostMessage(&ask);
@@ -504,8 +536,9 @@ TEST(PopUpMenu, OpensWithoutAButtonOnlyWhenItMay)
 TEST(PopUpMenu, MayBeDeletedWhileItIsOpen)
 {
 	WindowHolder<MenuWindow> window;
-	window->Show();
+	show_active(window);
 	for (int round = 0; round < 10; round++) {
+		make_active(window);
 		window->Lock();
 		window->fPopUp = make_popup();
 		window->fPopUp->SetTargetForItems(static_cast<MenuWindow*>(window));
@@ -532,7 +565,7 @@ TEST(PopUpMenu, AWindowEndsWithItOpen)
 	for (int round = 0; round < 5; round++) {
 		WindowHolder<MenuWindow> window;
 		window->fPopUp = make_popup();
-		window->Show();
+		show_active(window);
 		window->PostMessage('asyn');
 		ASSERT_TRUE(is_open("Hide"));
 	}
@@ -560,7 +593,7 @@ TEST(PopUpMenu, AMenuOutlivesTheWindowThatOpenedIt)
 	};
 	for (int round = 0; round < 2; round++) {
 		WindowHolder<Opener> window(&menu);
-		window->Show();
+		show_active(window);
 		window->PostMessage('asyn');
 		EXPECT_TRUE(is_open("Hide")) << "round " << round;
 	}
