@@ -57,10 +57,11 @@ public:
 	void MessageReceived(BMessage* message) override
 	{
 		const char* property;
+		BMessage specifier;
 		if (message->what == kMsgLook) {
 			Look();
 		} else if (message->what == B_GET_PROPERTY
-			&& message->GetCurrentSpecifier(nullptr, nullptr, nullptr, &property) == B_OK
+			&& message->GetCurrentSpecifier(nullptr, &specifier, nullptr, &property) == B_OK
 			&& strcmp(property, "CurrentLine") == 0) {
 			BMessage reply(B_REPLY);
 			reply.AddString("result", LineText().c_str());

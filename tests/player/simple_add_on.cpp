@@ -54,9 +54,9 @@ public:
 	uint32 GetFlags() override { return 0; }
 };
 
-SimplePlugin* sPlugin; // a host that does not know the version leaves it here
-
 } // namespace
+
+GeneralPlugin* gSimplePlugin; // a host that does not know the version leaves it here
 
 extern "C" GeneralPlugin*
 NewPlugin(PluginConstructorStruct* construct)
@@ -66,6 +66,6 @@ NewPlugin(PluginConstructorStruct* construct)
 	throw std::runtime_error("no room for it");
 #endif
 	construct->version = SIMPLE_VERSION;
-	sPlugin = new SimplePlugin;
-	return sPlugin;
+	gSimplePlugin = new SimplePlugin;
+	return gSimplePlugin;
 }
