@@ -11,13 +11,11 @@
 
 namespace BPrivate {
 
-// Messages between the server and the windows' side, all with "when" (int64).
-// code                          fields                                                             
-//    from
+// Messages between the server and the windows' side, all but the first with "when" (int64).
 enum {
-	kUpdateMessage = '_UPD', // none; the window to itself: draw what is invalid
+	kUpdateMessage = '_UPD', // the window to itself: draw what is invalid
 	kScaleMessage = '_SCL',  // "be:scale" float: the window is now on a screen of that scale
-	kFilesDropped = '_FDP',  // "be:window_where" point, "path" strings
+	kFilesDropped = '_FDP',  // "be:window_where", "screen_where" points, "path" strings
 	kProxyEvent = '_PXY',    // a control's: "be:serial" int64 and its own
 	kProxyFocus = '_PXF',    // the control got the focus
 };
