@@ -48,10 +48,15 @@ public:
 		return false;
 	}
 
+	//! As a request of its own would: the partner belongs to the looper.
 	status_t Send(uint32 what)
 	{
 		BMessage message(what);
-		return SendMessage(&message);
+		if (!Lock())
+			return B_ERROR;
+		const status_t status = SendMessage(&message);
+		Unlock();
+		return status;
 	}
 
 	using TCommMan::CloseWindow;
