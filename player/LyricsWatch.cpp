@@ -119,6 +119,13 @@ LyricsWatch::MessageReceived(BMessage* message)
 	}
 }
 
+bool
+LyricsWatch::QuitRequested()
+{
+	fListener.SendMessage(kMsgWatchGone);
+	return true;
+}
+
 void
 LyricsWatch::PulseReceived()
 {

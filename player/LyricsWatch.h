@@ -27,6 +27,8 @@ public:
 
 	thread_id Run() override;
 	void MessageReceived(BMessage* message) override;
+	//! Yes; the listener gets kMsgWatchGone.
+	bool QuitRequested() override;
 
 private:
 	void PulseReceived();

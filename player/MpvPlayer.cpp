@@ -52,6 +52,11 @@ constexpr std::pair<const char*, const char*> kOptions[] = {
 	{"volume-max", "100"},
 };
 
+// Scripts of the library's own, a thread each. Their options' names differ between its versions; one that is unknown does no harm.
+constexpr const char* kNeedlessScripts[]
+	= {"osc", "load-stats-overlay", "load-osd-console", "load-console", "load-auto-profiles",
+		"load-select", "load-positioning", "load-commands", "load-context-menu"};
+
 template<typename Function>
 bool
 resolve(void* library, const char* name, Function& function, std::string& error)
@@ -151,6 +156,8 @@ MpvPlayer::Start(Use use, std::string& error)
 		if (!SetOption(name, value, error))
 			return false;
 	}
+	for (const char* script : kNeedlessScripts)
+		fMpv.setOptionString(fHandle, script, "no");
 	std::string output = use == kForReading ? "null" : WantedOutput();
 	if (!output.empty() && !SetOption("ao", output.c_str(), error))
 		return false;

@@ -86,7 +86,10 @@ QuboApp::MessageReceived(BMessage* message)
 			WatchFinishedRqtd(message);
 			break;
 		case kMsgAddOnsGone:
-			AddOnsGoneRqtd();
+			PartGone(fAddOnsGone);
+			break;
+		case kMsgWatchGone:
+			PartGone(fWatchGone);
 			break;
 		default:
 			if (FrontEndServer::Knows(message))
@@ -109,7 +112,7 @@ QuboApp::ResolveSpecifier(
 bool
 QuboApp::QuitRequested()
 {
-	if (fAddOnsGone)
+	if (fAddOnsGone && fWatchGone)
 		return BApplication::QuitRequested();
 	BeginQuit();
 	return false;
@@ -283,7 +286,8 @@ QuboApp::BeginQuit()
 	if (std::exchange(fQuitting, true))
 		return;
 	fEngine.Stop();
-	fWatch.SendMessage(B_QUIT_REQUESTED);
+	if (fWatch.SendMessage(B_QUIT_REQUESTED) != B_OK)
+		PostMessage(kMsgWatchGone);
 	if (fAddOns != nullptr)
 		fAddOns->Quit();
 	else
@@ -297,8 +301,9 @@ QuboApp::AddOnsGone()
 }
 
 void
-QuboApp::AddOnsGoneRqtd()
+QuboApp::PartGone(bool& gone)
 {
-	fAddOnsGone = true;
-	PostMessage(B_QUIT_REQUESTED);
+	gone = true;
+	if (fAddOnsGone && fWatchGone)
+		PostMessage(B_QUIT_REQUESTED);
 }

@@ -14,7 +14,7 @@
 
 /*!	The player: makes its parts, tells one what another has done, and ends them in order.
 	The end, however it is asked for: the sound stops, the plug-in objects are put away on their thread while this looper goes on
-	answering the front-end protocol, and only when the last one is gone do the window and this looper quit.
+	answering the front-end protocol, and only when the last one and the lyrics watch are gone do the window and this looper quit.
 	Thread: its looper waits for nobody; the listener's calls come from the engine's and the add-ons' threads and only post. */
 class QuboApp : public BApplication, private Engine::Listener, private AddOnHost::Listener {
 public:
@@ -54,7 +54,7 @@ private:
 	void PlayingEndedRqtd(BMessage* message);
 	void WatchFinishedRqtd(BMessage* message);
 	void BeginQuit();
-	void AddOnsGoneRqtd();
+	void PartGone(bool& gone);
 
 	void Report(const std::string& problem);
 
@@ -70,4 +70,5 @@ private:
 	bool fStarted = false;
 	bool fQuitting = false;
 	bool fAddOnsGone = false;
+	bool fWatchGone = false;
 };

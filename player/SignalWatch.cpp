@@ -49,27 +49,43 @@ set_handler(int signal, void (*handler)(int))
 
 } // namespace
 
-SignalWatch::SignalWatch(std::function<void()> quit) : fQuit(std::move(quit))
+SignalWatch::SignalWatch()
 {
 	sCount = 0;
 	if (pipe2(sPipe, O_CLOEXEC) != 0)
-		return;
+		return; // signals end the process as they always did
 	for (int signal : kSignals)
 		set_handler(signal, handle_signal);
 	set_handler(SIGPIPE, ignore_signal);
-	fThread = std::thread(&SignalWatch::Wait, this);
+	fReady = true;
 }
 
 SignalWatch::~SignalWatch()
+{
+	Stop();
+	if (!fReady)
+		return;
+	for (int signal : kSignals)
+		set_handler(signal, SIG_DFL);
+	close(sPipe[0]);
+	close(sPipe[1]);
+}
+
+void
+SignalWatch::Start(std::function<void()> quit)
+{
+	fQuit = std::move(quit);
+	if (fReady)
+		fThread = std::thread(&SignalWatch::Wait, this);
+}
+
+void
+SignalWatch::Stop()
 {
 	if (!fThread.joinable())
 		return;
 	tell(kEnd);
 	fThread.join();
-	for (int signal : kSignals)
-		set_handler(signal, SIG_DFL);
-	close(sPipe[0]);
-	close(sPipe[1]);
 }
 
 void

@@ -17,9 +17,11 @@ run(const CommandLine& line)
 	if (line.headless)
 		setenv("QT_QPA_PLATFORM", "offscreen", 1); // windows without a screen
 	setenv("PIPEWIRE_DEBUG", "0", 0);              // a missing sound device is told by us
+	SignalWatch signals;
 	QuboApp application(line);
-	SignalWatch signals([&application] { application.PostMessage(B_QUIT_REQUESTED); });
+	signals.Start([&application] { application.PostMessage(B_QUIT_REQUESTED); });
 	application.Run();
+	signals.Stop();
 	return application.ExitCode();
 }
 
