@@ -7,16 +7,14 @@
 // code                                             from -> to: fields
 constexpr uint32 kMsgPlayingChanged = 'QPch'; // engine, tag reader -> window
 constexpr uint32 kMsgProblem = 'QPpr';        // any part -> window: "text" (string)
-constexpr uint32 kMsgPlayingEnded
-	= 'QPen'; // engine -> application: "any" (bool), has a song played?
-constexpr uint32 kMsgAddOnsLoaded = 'QAld'; // add-on host -> application -> window: see below
-constexpr uint32 kMsgAddOnsGone = 'QAgn';   // add-on host -> application
-constexpr uint32 kMsgFinishWatch = 'QWfn';  // application -> lyrics watch
-constexpr uint32 kMsgWatchFinished
-	= 'QWfd';                            // lyrics watch -> application: "ok" (bool), all is written
-constexpr uint32 kMsgWatchGone = 'QWgn'; // lyrics watch -> application: it asks nothing any more
-constexpr uint32 kMsgStartPlaying = 'QAst';     // application -> itself
-constexpr uint32 kMsgShowAddOn = 'QAsh';        // window -> application: kAddOnField
+constexpr uint32 kMsgPlayingEnded = 'QPen';   // engine -> application: "any" (bool) song played
+constexpr uint32 kMsgAddOnsLoaded = 'QAld';   // add-on host -> application -> window: see below
+constexpr uint32 kMsgAddOnsGone = 'QAgn';     // add-on host -> application
+constexpr uint32 kMsgFinishWatch = 'QWfn';    // application -> lyrics watch
+constexpr uint32 kMsgWatchFinished = 'QWfd';  // lyrics watch -> application: "ok" (bool)
+constexpr uint32 kMsgWatchGone = 'QWgn';    // lyrics watch -> application: it asks nothing any more
+constexpr uint32 kMsgStartPlaying = 'QAst'; // application -> itself
+constexpr uint32 kMsgShowAddOn = 'QAsh';    // window -> application: kAddOnField
 constexpr uint32 kMsgAddOnPreferences = 'QApr'; // window -> application: kAddOnField
 constexpr uint32 kMsgAboutAddOn = 'QAab';       // window -> application: kAddOnField
 
