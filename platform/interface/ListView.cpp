@@ -262,7 +262,9 @@ BListView::SetSelected(int32 from, int32 to, bool selected)
 	bool changed = false;
 	for (int32 i = from; i <= to; i++) {
 		BListItem* item = ItemAt(i);
-		changed |= item->IsSelected() != selected;
+		if (item->IsSelected() == selected)
+			continue;
+		changed = true;
 		selected ? item->Select() : item->Deselect();
 	}
 	return changed;

@@ -61,8 +61,10 @@ public:
 				BWindow::MessageReceived(message);
 		}
 	}
+	//! What has come since the last time: first the control's event, then what the control sends.
 	std::string Take()
 	{
+		settle(this);
 		settle(this);
 		std::lock_guard lock(fMutex);
 		return std::exchange(fLog, std::string());
@@ -90,6 +92,13 @@ protected:
 	template<typename Function> auto OnSlider(Function function)
 	{
 		return on_widget<ServerSlider>(fSlider, function);
+	}
+	int32 Value()
+	{
+		fWindow->Lock();
+		int32 value = fSlider->Value();
+		fWindow->Unlock();
+		return value;
 	}
 	int Shown()
 	{
@@ -157,6 +166,13 @@ protected:
 			fList->AddItem(NewItem(text));
 		fWindow->Unlock();
 		settle(fWindow);
+	}
+	int32 Selected(int32 index = 0)
+	{
+		fWindow->Lock();
+		int32 selected = fList->CurrentSelection(index);
+		fWindow->Unlock();
+		return selected;
 	}
 	template<typename Function> auto OnList(Function function)
 	{
@@ -233,7 +249,7 @@ TEST_F(SliderTest, KeysModifyAndInvoke)
 	EXPECT_EQ(fWindow->Take(), "modi 100; done 100; ");
 	Key(Qt::Key_Right);
 	EXPECT_EQ(fWindow->Take(), "") << "it was at the end";
-	EXPECT_EQ(fSlider->Value(), 100);
+	EXPECT_EQ(Value(), 100);
 }
 
 TEST_F(SliderTest, AClickJumpsAndADragGoesOn)
@@ -251,7 +267,7 @@ TEST_F(SliderTest, AClickJumpsAndADragGoesOn)
 	Mouse(QEvent::MouseMove, 2);
 	Mouse(QEvent::MouseButtonRelease, 2);
 	EXPECT_EQ(fWindow->Take(), "modi 0; done 0; ");
-	EXPECT_EQ(fSlider->Value(), 0);
+	EXPECT_EQ(Value(), 0);
 }
 
 TEST_F(SliderTest, HoldingTheThumbStillInvokesNothing)
@@ -299,8 +315,10 @@ TEST_F(ListTest, TheUserSelectsAndInvokes)
 	Fill({"one", "two", "three"});
 	ClickRow(1);
 	EXPECT_EQ(fWindow->Take(), "slct 1; ");
-	EXPECT_EQ(fList->CurrentSelection(), 1);
+	EXPECT_EQ(Selected(), 1);
+	fWindow->Lock();
 	EXPECT_TRUE(fItems[1]->IsSelected());
+	fWindow->Unlock();
 	ClickRow(1);
 	EXPECT_EQ(fWindow->Take(), "") << "it was selected already";
 	Key(Qt::Key_Down);
@@ -339,7 +357,7 @@ TEST_F(ListTest, SeveralMayBeSelected)
 	settle(fWindow);
 	ClickRow(3, Qt::ControlModifier);
 	EXPECT_EQ(fWindow->Take(), "slct 0 1; slct 0 1 3; ");
-	EXPECT_EQ(fList->CurrentSelection(2), 3);
+	EXPECT_EQ(Selected(2), 3);
 	fWindow->Lock();
 	fList->Deselect(1);
 	fWindow->Unlock();
@@ -401,7 +419,7 @@ TEST_F(ListTest, AClickDuringAChangeSelectsTheItemThatWasMeant)
 	fWindow->Unlock();
 	EXPECT_TRUE(wait_until([&] {
 		settle(fWindow);
-		return fList->CurrentSelection() == 2;
+		return Selected() == 2;
 	}));
 	EXPECT_EQ(Shown(), "zeroone[two]three");
 	EXPECT_EQ(fWindow->Take(), "slct 2; ");
