@@ -138,12 +138,18 @@ DisplayServer::EndBeforeExit()
 	if (!on_server_thread())
 		return true;
 	ServerLink::Default().SetServing(false);
+	thread_id application = -1;
 	if (be_app != NULL) {
+		application = be_app->Thread();
 		BMessage quit(B_QUIT_REQUESTED);
 		be_app_messenger.SendMessage(&quit, static_cast<BHandler*>(NULL), 0);
 	}
 	ServerLink::Default().Close();
-	return WaitForStop(kSavingTime);
+	if (!WaitForStop(kSavingTime))
+		return false;
+	// it has called Stop() and is on its last steps
+	wait_for_thread(application, NULL);
+	return true;
 }
 
 bool

@@ -14,6 +14,14 @@
 #include <string.h>
 #include <thread>
 
+/*!	For the leak checker: the toolkit, which is left alive here, would have freed what this library
+	keeps. */
+extern "C" const char*
+__lsan_default_suppressions()
+{
+	return "leak:libfontconfig.so";
+}
+
 namespace {
 
 class SavingWindow : public BWindow {
