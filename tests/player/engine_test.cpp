@@ -302,7 +302,7 @@ TEST_F(EngineTest, StartsWithinASongOnlyWhatItIsToldTo)
 	ASSERT_TRUE(WaitForTitle("1.wav"));
 	EXPECT_GE(fState.Info().positionMs, 1690);
 	ASSERT_TRUE(WaitForTitle("2.wav"));
-	EXPECT_LE(fState.Info().positionMs, 300);
+	EXPECT_LT(fState.Info().positionMs, 1000);
 }
 
 TEST_F(EngineTest, BeginsWithTheSongItIsToldTo)
