@@ -110,7 +110,7 @@ const Written kWritten[] = {
 		[](BMessage& message) {
 			add_all_types(message);
 			for (int32 i = 0; i < 60; i++) {
-				char name[8];
+				char name[16];
 				snprintf(name, sizeof(name), "key%02d", int(i));
 				message.AddInt32(name, i * i);
 			}
