@@ -301,8 +301,9 @@ Engine::PlayNow(const Command& command)
 {
 	fFade.reset();
 	AppendSongs();
-	fPlayer->SetText(
-		"start", command.value > 0 ? std::to_string(command.value / 1e6).c_str() : "none");
+	fStart = command.value;
+	std::string start = fStart > 0 ? std::to_string(fStart / 1e6) : "none";
+	fPlayer->SetText("start", start.c_str());
 	fPlayer->SetFlag("pause", false);
 	fState.SetFailed(command.index, false);
 	fWanted = fPlayer->Command({"playlist-play-index", std::to_string(command.index).c_str()});
@@ -368,6 +369,7 @@ void
 Engine::FileStarted(int64_t id)
 {
 	fStarting = IndexOf(id);
+	fRestarted = false;
 	fOpened = true;
 	fWanted = false;
 	if (fFade == nullptr)
@@ -379,10 +381,9 @@ Engine::FileLoaded()
 {
 	if (fStarting < 0)
 		return;
-	fLoaded.reset(new Loaded{fStarting, fPlayer->Tags()});
+	fLoaded.reset(new Loaded{fStarting, fPlayer->Tags(), fStart});
 	fLoadedStart = B_INFINITE_TIMEOUT;
 	fStarting = -1;
-	fPlayer->SetText("start", "none"); // was meant for this song only
 }
 
 void
@@ -394,7 +395,7 @@ Engine::FileEnded(const mpv_event& event)
 	switch (end.reason) {
 		case MPV_END_FILE_REASON_EOF:
 			if (fLoaded != nullptr) // shorter than what the output holds
-				BeginLoadedSong(0);
+				BeginLoadedSong(fLoaded->start);
 			return;
 		case MPV_END_FILE_REASON_ERROR:
 			SongFailed(index, fPlayer->ErrorText(end.error));
@@ -424,7 +425,11 @@ Engine::SongFailed(int32 index, const std::string& reason)
 void
 Engine::PlaybackRestarted()
 {
+	// Was meant for this song only. Not when the file is loaded: the player looks at it just after that.
+	if (std::exchange(fStart, 0) > 0)
+		fPlayer->SetText("start", "none");
 	fQuickSamples = kQuickSamples;
+	fRestarted = true;
 	// After a seek in a pause the player takes its full buffer for sound that is still to be heard; what was sought holds.
 	if (!fPaused || fLoaded != nullptr)
 		Sample();
@@ -515,7 +520,7 @@ Engine::Sample()
 {
 	fLoadedStart = B_INFINITE_TIMEOUT;
 	fNextSample = B_INFINITE_TIMEOUT;
-	if (!fOpened)
+	if (!fOpened || !fRestarted) // between two songs the player's position belongs to neither
 		return;
 	bigtime_t before = system_time();
 	std::optional<double> seconds = fPlayer->Number("audio-pts");

@@ -76,6 +76,7 @@ private:
 	struct Loaded {
 		int32 index;
 		SongTags tags;
+		bigtime_t start; // where it was told to begin
 	};
 	struct Fade {
 		Command next;
@@ -141,8 +142,10 @@ private:
 	bigtime_t fNextSample;
 	bigtime_t fLoadedStart;
 	bool fPaused = false;
-	bool fWanted = false; // a song was asked for and is not opened yet
-	bool fOpened = false; // a file was opened since the list was idle
+	bool fRestarted = false; // the opened file's sound is on its way
+	bigtime_t fStart = 0;    // where the song that is wanted begins
+	bool fWanted = false;    // a song was asked for and is not opened yet
+	bool fOpened = false;    // a file was opened since the list was idle
 	bool fAnyPlayed = false;
 	bool fToldSilence = false;
 };
