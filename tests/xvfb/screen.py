@@ -13,8 +13,7 @@ import unittest
 
 BUILD = pathlib.Path(os.environ["TAVORA_BUILD"])
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
-# A sanitizer's build is slower than what users run, and not what is timed.
-PATIENCE = 60 if os.environ.get("TAVORA_SANITIZED") else 20
+PATIENCE = 20  # s
 
 
 def wait_for(condition, what, seconds=PATIENCE):
@@ -147,5 +146,4 @@ class ScreenTest(unittest.TestCase):
 
     def assert_ended_well(self, program, code, took, limit=1.0):
         self.assertEqual(code, 0, "\n".join(program.errors))
-        if not os.environ.get("TAVORA_SANITIZED"):
-            self.assertLess(took, limit, "the end took too long")
+        self.assertLess(took, limit, "the end took too long")
