@@ -8,7 +8,7 @@ namespace BPrivate {
 
 /*!	The command line of the application whose desktop file has `X-MERION-Signature` equal to `signature`, with `files` where it takes some.
 	Looked for in the user's applications first, then in the system's. Empty if there is none.
-	Format: the freedesktop.org Desktop Entry specification. */
+	Format: the freedesktop.org Desktop Entry standard. */
 std::vector<std::string> command_for_signature(
 	const char* signature, const std::vector<std::string>& files);
 //! Splits the value of a key Exec and puts the files in the place of its field codes.
