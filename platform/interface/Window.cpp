@@ -154,7 +154,7 @@ BWindow::Minimize(bool minimize)
 	if (fData->minimized == minimize || fData->hideLevel > 0)
 		return;
 	fData->minimized = minimize;
-	tell_server(*fData, [minimize](ServerWindow& server) { server.SetMinimized(minimize); });
+	fData->TellMinimized();
 	if (!minimize)
 		fData->Invalidate(to_qrect(Bounds()));
 }

@@ -71,6 +71,18 @@ WindowData::SendTraits()
 	});
 }
 
+void
+WindowData::TellMinimized()
+{
+	if (serverMinimized == minimized)
+		return;
+	serverMinimized = minimized;
+	ServerLink::Default().Post([id = id, minimize = minimized] {
+		if (auto* server = Registry::Default().Find<ServerWindow>(id))
+			server->SetMinimized(minimize);
+	});
+}
+
 /*!	On this side at once, on the screen some time later; reports older than that do not count any
 	more. */
 void

@@ -18,8 +18,8 @@ struct WindowTraits;
 
 /*!	The inside of a window: what it knows of itself, its views' picture, and what happens with the
 	server's messages.
-	Thread: under the window's lock; frame, decor and minimised also under `mirror`, so that others
-	may read them without. */
+	Thread: under the window's lock; frame and decor also under `mirror`, so that others may
+	read them without. */
 struct WindowData {
 	static WindowData& Of(const BWindow* window) { return *window->fData; }
 
@@ -50,6 +50,7 @@ struct WindowData {
 		0, 0, 16383, 16383}; // left, top: the smallest width and height; right, bottom: the largest
 	int32 hideLevel = 1;
 	bool minimized = false;
+	bool serverMinimized = false; // as it was told or has reported last
 	bool active = false;
 	int64 generation = 0; // of the newest SetFrame()
 	float scale = 1;
@@ -79,6 +80,7 @@ struct WindowData {
 	void SendTraits();
 	void SetFrame(BRect newFrame);
 	void AdoptFrame(BRect newFrame);
+	void TellMinimized();
 
 	// Drawing
 	void Invalidate(const QRegion& region);
@@ -95,6 +97,7 @@ struct WindowData {
 	// The server's messages
 	bool HandleMessage(BMessage* message, BHandler* target);
 	void FrameReported(BMessage* message, bool moved);
+	void MinimizeReported(bool isMinimized);
 	void PointerMessage(BMessage* message);
 	void PointerMoved(BMessage* message, BView* under, BPoint where);
 	void KeyMessage(BMessage* message);

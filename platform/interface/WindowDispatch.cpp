@@ -35,11 +35,9 @@ WindowData::HandleMessage(BMessage* message, BHandler* target)
 		case B_WINDOW_ACTIVATED:
 			SetActive(message->GetBool("active", false));
 			return true;
-		case B_MINIMIZE: {
-			bool minimize = message->GetBool("minimize", false);
-			window->Minimize(minimize);
+		case B_MINIMIZE:
+			MinimizeReported(message->GetBool("minimize", false));
 			return true;
-		}
 		case B_SCREEN_CHANGED:
 			window->ScreenChanged(message->GetRect("frame", BRect()),
 				static_cast<color_space>(message->GetInt32("mode", B_RGB32)));
@@ -105,6 +103,18 @@ WindowData::FrameReported(BMessage* message, bool moved)
 		window->FrameMoved(frame.LeftTop());
 	else
 		window->FrameResized(frame.Width(), frame.Height());
+}
+
+/*!	What the server has done already is never told it again: the order could overtake what the user
+	does next, and the two would go on correcting each other. A hook that does not pass it on has it
+	undone. */
+void
+WindowData::MinimizeReported(bool isMinimized)
+{
+	serverMinimized = isMinimized;
+	if (isMinimized != minimized)
+		window->Minimize(isMinimized);
+	TellMinimized();
 }
 
 static void

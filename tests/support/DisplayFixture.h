@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 
@@ -39,10 +40,13 @@ protected:
 		return {fFolder / (name + ".ogg"), name};
 	}
 
-	/*!	Writes a file whose modification time is another second than those before it. */
+	/*!	Writes a file whose modification time is another second than those before it; whoever is
+		told of the writing finds it so. */
 	std::string Save(std::string_view name, std::string_view text)
 	{
-		const std::string path = fFolder.Write(name, text);
+		const std::string path = fFolder / name;
+		std::ofstream file(path, std::ios::binary | std::ios::trunc);
+		file << text << std::flush;
 		std::filesystem::last_write_time(path, NextTime());
 		return path;
 	}
