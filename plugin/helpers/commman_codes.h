@@ -14,6 +14,32 @@ constexpr uint32 kPrepareAboutWindow = 'Spar';    // plug-in object -> manager  
 constexpr uint32 kCloseAboutWindow = 'Scar';      // plug-in object -> manager           none
 constexpr uint32 kCloseCommonPrefWindow = 'Scsr'; // plug-in object -> manager         none
 
+// The manager to itself: "BesideDlg" (bool: the main window exists), and if so "WinFrame" (rect: its frame).
+constexpr uint32 kOpenPrefWindow = 'Sopr';
+constexpr uint32 kOpenAboutWindow = 'Soar';
+
+// The display's popup menu -> manager.
+constexpr uint32 kPrefItemChosen = 'pprf';       // none
+constexpr uint32 kAboutItemChosen = '_ABR';      // none
+constexpr uint32 kCommonPrefItemChosen = 'pscc'; // none
+constexpr uint32 kHelpItemChosen = 'phlp';       // none
+constexpr uint32 kAuthorWebItemChosen = 'pawb';  // none
+constexpr uint32 kOpenLyrics = 'ocer'; // "LyricsERef" (ref: the lyrics file, there or not)
+
+// Manager -> editor's manager: open these.
+constexpr uint32 kOpenRefs = '_RRC'; // "refs" (ref)
+
+// Languages.
+constexpr uint32 kPrefLanguageChanged
+	= 'plgc'; // preferences view, manager -> manager: another one was chosen   none
+constexpr uint32 kLanguageChanged
+	= '_lgc'; // manager -> itself, windows, editor's manager: gLLT holds it    none
+constexpr uint32 kLanguageFileChanged
+	= '_nlc'; // TNodeMonitorHandler -> manager -> preferences window           none
+
+// A preference of all the maker's applications has changed: application -> TIAPFilter -> manager -> windows.
+constexpr uint32 kIAPChanged = '_ipc'; // see TInterAppPrefs
+
 // A manager greets the other when it finds it.
 constexpr uint32 kCommManConnected
 	= 'Scmc'; // manager -> editor's manager, and back  "CSCommMan" (pointer to the sender)
