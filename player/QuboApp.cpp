@@ -4,6 +4,7 @@
 #include "PlayerWindow.h"
 #include "Texts.h"
 #include "media_files.h"
+#include "memory_use.h"
 #include "player_messages.h"
 
 #include "host/QuboProtocol.h"
@@ -18,6 +19,7 @@
 namespace {
 
 constexpr bigtime_t kAddOnPatience = 1000000; // then it plays without waiting for add-ons any more
+constexpr bigtime_t kSettleTime = 3000000;    // from the start to steady playing
 
 std::string
 formatted(TextKey key, const std::string& first, const std::string& second = "")
@@ -73,6 +75,9 @@ QuboApp::MessageReceived(BMessage* message)
 			break;
 		case kMsgStartPlaying:
 			StartPlaying();
+			break;
+		case kMsgSettled:
+			release_start_memory();
 			break;
 		case kMsgShowAddOn:
 		case kMsgAddOnPreferences:
@@ -159,6 +164,8 @@ QuboApp::LoadAddOns()
 	fAddOns.reset(new AddOnHost(folder, *this));
 	BMessage late(kMsgStartPlaying);
 	BMessageRunner::StartSending(BMessenger(this), &late, kAddOnPatience, 1);
+	BMessage settled(kMsgSettled);
+	BMessageRunner::StartSending(BMessenger(this), &settled, kSettleTime, 1);
 }
 
 void

@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 #include "QuboApp.h"
 #include "SignalWatch.h"
+#include "memory_use.h"
 
 #include <AppDefs.h>
 
@@ -17,6 +18,7 @@ run(const CommandLine& line)
 	if (line.headless)
 		setenv("QT_QPA_PLATFORM", "offscreen", 1); // windows without a screen
 	setenv("PIPEWIRE_DEBUG", "0", 0);              // a missing sound device is told by us
+	tune_allocator();
 	SignalWatch signals;
 	QuboApp application(line);
 	signals.Start([&application] { application.PostMessage(B_QUIT_REQUESTED); });

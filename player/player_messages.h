@@ -14,6 +14,7 @@ constexpr uint32 kMsgFinishWatch = 'QWfn';    // application -> lyrics watch
 constexpr uint32 kMsgWatchFinished = 'QWfd';  // lyrics watch -> application: "ok" (bool)
 constexpr uint32 kMsgWatchGone = 'QWgn';    // lyrics watch -> application: it asks nothing any more
 constexpr uint32 kMsgStartPlaying = 'QAst'; // application -> itself
+constexpr uint32 kMsgSettled = 'QAse';      // application -> itself: the start is over
 constexpr uint32 kMsgShowAddOn = 'QAsh';    // window -> application: kAddOnField
 constexpr uint32 kMsgAddOnPreferences = 'QApr'; // window -> application: kAddOnField
 constexpr uint32 kMsgAboutAddOn = 'QAab';       // window -> application: kAddOnField
