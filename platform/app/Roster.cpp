@@ -4,6 +4,7 @@
 #include "app/DesktopFile.h"
 #include <Message.h>
 #include <Path.h>
+#include <strings.h>
 
 using namespace BPrivate;
 
@@ -30,6 +31,16 @@ paths_of_refs(const BMessage* message)
 	return paths;
 }
 
+static status_t
+launch_signature(const char* signature, const std::vector<std::string>& files, team_id* team)
+{
+	const std::vector<std::string> command = command_for_signature(signature, files);
+	if (command.empty())
+		return B_LAUNCH_FAILED_APP_NOT_FOUND;
+	const status_t error = launch_detached(command, team);
+	return error == B_ENTRY_NOT_FOUND ? B_LAUNCH_FAILED_EXECUTABLE : error;
+}
+
 status_t
 BRoster::Launch(const char* signature, BMessage* initialMessage, team_id* team) const
 {
@@ -39,12 +50,39 @@ BRoster::Launch(const char* signature, BMessage* initialMessage, team_id* team) 
 		return B_ALREADY_RUNNING;
 	if (initialMessage != NULL && !initialMessage->IsEmpty() && !initialMessage->HasRef("refs"))
 		return B_NOT_SUPPORTED;
-	const std::vector<std::string> command
-		= command_for_signature(signature, paths_of_refs(initialMessage));
-	if (command.empty())
-		return B_LAUNCH_FAILED_APP_NOT_FOUND;
-	const status_t error = launch_detached(command, team);
-	return error == B_ENTRY_NOT_FOUND ? B_LAUNCH_FAILED_EXECUTABLE : error;
+	return launch_signature(signature, paths_of_refs(initialMessage), team);
+}
+
+static bool
+is_page_type(const char* mimeType)
+{
+	static const char kAddressType[] = "application/x-vnd.Be.URL.";
+	return strcasecmp(mimeType, "text/html") == 0
+		|| strncasecmp(mimeType, kAddressType, sizeof(kAddressType) - 1) == 0;
+}
+
+static status_t
+open_with_desktop(const char* address, team_id* team)
+{
+	const status_t error = launch_detached({"xdg-open", address}, team);
+	return error == B_ENTRY_NOT_FOUND ? B_LAUNCH_FAILED_NO_PREFERRED_APP : error;
+}
+
+status_t
+BRoster::Launch(const char* mimeType, int argc, const char* const* args, team_id* team) const
+{
+	if (mimeType == NULL || mimeType[0] == '\0' || argc < 0 || (argc > 0 && args == NULL))
+		return B_BAD_VALUE;
+	std::vector<std::string> words;
+	for (int i = 0; i < argc; i++) {
+		// an opener would take one that begins so for an option
+		if (args[i] == NULL || args[i][0] == '\0' || args[i][0] == '-')
+			return B_BAD_VALUE;
+		words.push_back(args[i]);
+	}
+	if (is_page_type(mimeType))
+		return argc == 1 ? open_with_desktop(args[0], team) : B_BAD_VALUE;
+	return IsRunning(mimeType) ? B_ALREADY_RUNNING : launch_signature(mimeType, words, team);
 }
 
 status_t
@@ -58,6 +96,5 @@ BRoster::Launch(const entry_ref* ref, const BMessage* initialMessage, team_id* t
 	BPath path;
 	if (!entry.Exists() || entry.GetPath(&path) != B_OK)
 		return B_ENTRY_NOT_FOUND;
-	const status_t error = launch_detached({"xdg-open", path.Path()}, team);
-	return error == B_ENTRY_NOT_FOUND ? B_LAUNCH_FAILED_NO_PREFERRED_APP : error;
+	return open_with_desktop(path.Path(), team);
 }

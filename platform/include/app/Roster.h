@@ -26,6 +26,12 @@ public:
 		B_LAUNCH_FAILED_APP_NOT_FOUND, B_LAUNCH_FAILED_EXECUTABLE. */
 	status_t Launch(
 		const char* signature, BMessage* initialMessage = NULL, team_id* team = NULL) const;
+	/*!	Opens what `args` names with the desktop's preferred application for `mimeType`. Known are "text/html" and the types of addresses,
+		"application/x-vnd.Be.URL." and a scheme, whose only argument is the page's address or path; and signatures, as above, with files to open.
+		B_BAD_VALUE (no type, an argument missing or one that begins with "-"), B_LAUNCH_FAILED_NO_PREFERRED_APP, and as above.
+		`team` is the opener's process. */
+	status_t Launch(
+		const char* mimeType, int argc, const char* const* args, team_id* team = NULL) const;
 	/*!	Opens a file or starts a program with the desktop's preferred application. B_BAD_VALUE, B_ENTRY_NOT_FOUND,
 		B_LAUNCH_FAILED_NO_PREFERRED_APP (no opener on this desktop). `team` is the opener's process; a message is not taken (B_NOT_SUPPORTED). */
 	status_t Launch(

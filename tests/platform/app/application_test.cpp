@@ -353,6 +353,13 @@ TEST_F(Launching, OpensAFileWithThePreferredApplication)
 	ASSERT_EQ(get_ref_for_path(page.c_str(), &ref), B_OK);
 	EXPECT_EQ(be_roster->Launch(&ref), B_OK);
 	EXPECT_EQ(WrittenLine(), page.string());
+	std::filesystem::remove(folder / "out");
+	const char* addresses[] = {"https://example.org/a?b=c d", "-option", NULL};
+	EXPECT_EQ(be_roster->Launch("application/x-vnd.Be.URL.https", 1, addresses), B_OK);
+	EXPECT_EQ(WrittenLine(), addresses[0]);
+	EXPECT_EQ(be_roster->Launch("text/html", 1, addresses + 1), B_BAD_VALUE);
+	EXPECT_EQ(be_roster->Launch("text/html", 1, addresses + 2), B_BAD_VALUE);
 	std::filesystem::remove(opener);
+	EXPECT_EQ(be_roster->Launch("text/html", 1, addresses), B_LAUNCH_FAILED_NO_PREFERRED_APP);
 	EXPECT_EQ(be_roster->Launch(&ref), B_LAUNCH_FAILED_NO_PREFERRED_APP);
 }
