@@ -7,6 +7,7 @@
 #include "app/MessageAccess.h"
 #include <Message.h>
 #include <PropertyInfo.h>
+#include <Resources.h>
 #include <Roster.h>
 #include <fstream>
 #include <stdio.h>
@@ -279,4 +280,11 @@ BApplication::GetAppInfo(app_info* info) const
 	info->team = Team();
 	snprintf(info->signature, sizeof(info->signature), "%s", fSignature);
 	return get_ref_for_path(executable_path(), &info->ref);
+}
+
+BResources*
+BApplication::AppResources()
+{
+	static BResources sResources(executable_path());
+	return sResources.InitCheck() == B_OK ? &sResources : NULL;
 }

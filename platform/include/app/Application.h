@@ -2,6 +2,7 @@
 
 #include <Looper.h>
 
+class BResources;
 class BWindow;
 struct app_info;
 
@@ -47,6 +48,9 @@ public:
 	bool IsLaunching() const;
 	const char* Signature() const;
 	status_t GetAppInfo(app_info* info) const;
+	/*!	The resources of the program's own file, opened at the first call; NULL if they cannot be. The application kit owns
+		them; one thread at a time uses them. */
+	static BResources* AppResources();
 
 private:
 	void Init(const char* signature, status_t* error);
