@@ -5,6 +5,7 @@
 
 #include "plugin/TTavoraDCommMan.h"
 #include "plugin/helpers/commman_codes.h"
+#include "plugin/helpers/load_language.h"
 #include "plugin/helpers/settings_files.h"
 #include "prefs/TExitState.h"
 #include "prefs/TPref.h"

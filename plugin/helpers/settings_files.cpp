@@ -13,13 +13,6 @@ constexpr const char* kPrefFolder = "Shared";
 constexpr const char* kPrefName = "TavoraShared_Prefs.arc";
 
 bool
-are_reset_keys_held()
-{
-	constexpr uint32 kResetKeys = B_SHIFT_KEY | B_COMMAND_KEY | B_CONTROL_KEY | B_OPTION_KEY;
-	return (modifiers() & kResetKeys) == kResetKeys;
-}
-
-bool
 load(merion::TArchivable* record, const char* folder, const char* name)
 {
 	BEntry entry;
@@ -38,15 +31,30 @@ save(const merion::TArchivable& record, const char* folder, const char* name)
 } // namespace
 
 bool
-load_global(const char* shortName, const char* exitStateName)
+are_reset_keys_held()
 {
-	if (are_reset_keys_held()) {
-		save_pref(true);
-		return false;
-	}
-	const bool hasExitState = load(gExitState, shortName, exitStateName);
-	const bool hasPref = load(gPref, kPrefFolder, kPrefName);
-	return hasExitState && hasPref;
+	constexpr uint32 kResetKeys = B_SHIFT_KEY | B_COMMAND_KEY | B_CONTROL_KEY | B_OPTION_KEY;
+	return (modifiers() & kResetKeys) == kResetKeys;
+}
+
+bool
+has_pref_file()
+{
+	BEntry entry;
+	return merion::get_entry(kPrefName, &entry, merion::kEntryBaseUserSettings, kPrefFolder) == B_OK
+		&& entry.Exists();
+}
+
+bool
+load_exit_state(const char* shortName, const char* exitStateName)
+{
+	return load(gExitState, shortName, exitStateName);
+}
+
+bool
+load_pref()
+{
+	return load(gPref, kPrefFolder, kPrefName);
 }
 
 bool

@@ -7,6 +7,7 @@
 #include "server/Desktop.h"
 #include "server/ServerLink.h"
 
+#include "plugin/helpers/load_language.h"
 #include "plugin/helpers/settings_files.h"
 #include "prefs/TExitState.h"
 #include "prefs/TPref.h"
