@@ -1,6 +1,7 @@
 #include "Engine.h"
 
 #include "MpvPlayer.h"
+#include "song_tags.h"
 
 #include <algorithm>
 #include <cmath>
@@ -189,6 +190,7 @@ Engine::Execute(const Command& command)
 		case kStop:
 			fFade.reset();
 			fWanted = false;
+			Withdraw();
 			if (fPlayer != nullptr)
 				fPlayer->Command({"stop", "keep-playlist"});
 			break;
@@ -204,7 +206,10 @@ void
 Engine::PlayRequested(const Command& command)
 {
 	PlaylistEntry entry;
-	if (!fState.GetEntry(command.index, entry) || !StartPlayer())
+	if (!fState.GetEntry(command.index, entry))
+		return;
+	Announce(command, entry);
+	if (!StartPlayer())
 		return;
 	if (command.fade && !IsStopped() && !fPaused) {
 		bigtime_t start = fFade != nullptr ? fFade->start : system_time();
@@ -275,8 +280,9 @@ Engine::StartPlayer()
 	if (fPlayer != nullptr)
 		return true;
 	std::string error;
-	fPlayer = MpvPlayer::Create(MpvPlayer::kForPlaying, error);
+	fPlayer = MpvPlayer::Create(error);
 	if (fPlayer == nullptr) {
+		Withdraw();
 		fListener.EngineFailed(error);
 		return false;
 	}
@@ -288,6 +294,25 @@ Engine::StartPlayer()
 	std::lock_guard lock(fLock);
 	fWakeable = fPlayer.get();
 	return true;
+}
+
+/*!	The player library takes its time to load: what is to be seen of the song does not wait for that. */
+void
+Engine::Announce(const Command& command, const PlaylistEntry& entry)
+{
+	SongTags tags;
+	if (fPlayer != nullptr || !read_song_tags(entry.path, tags))
+		return;
+	fAnnounced = true;
+	fState.Announce(command.index, tags, command.value);
+	fListener.PlayingChanged();
+}
+
+void
+Engine::Withdraw()
+{
+	if (std::exchange(fAnnounced, false))
+		fState.Withdraw();
 }
 
 bool
@@ -381,9 +406,21 @@ Engine::FileLoaded()
 {
 	if (fStarting < 0)
 		return;
-	fLoaded.reset(new Loaded{fStarting, fPlayer->Tags(), fStart});
+	fLoaded.reset(new Loaded{fStarting, LoadedTags(), fStart});
 	fLoadedStart = B_INFINITE_TIMEOUT;
 	fStarting = -1;
+}
+
+/*!	Of two readings of one file the list's own holds, so that no song changes its name when it begins. */
+SongTags
+Engine::LoadedTags()
+{
+	PlaylistEntry entry;
+	SongTags tags = fPlayer->Tags();
+	SongTags own;
+	if (fState.GetEntry(fStarting, entry) && read_song_tags(entry.path, own) && !own.title.empty())
+		return {own.artist, own.title, tags.length};
+	return tags;
 }
 
 void
@@ -418,6 +455,7 @@ Engine::SongFailed(int32 index, const std::string& reason)
 {
 	if (index < 0)
 		return;
+	Withdraw();
 	fState.SetFailed(index, true);
 	fListener.SongFailed(index, reason);
 }
@@ -543,6 +581,7 @@ Engine::Sample()
 void
 Engine::BeginLoadedSong(bigtime_t position)
 {
+	fAnnounced = false;
 	fState.StartSong(fLoaded->index, fLoaded->tags, position);
 	fState.Sample(position, system_time());
 	fLoaded.reset();

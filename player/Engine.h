@@ -98,6 +98,8 @@ private:
 	void VolumeRequested(int32 percent);
 
 	bool StartPlayer();
+	void Announce(const Command& command, const PlaylistEntry& entry);
+	void Withdraw();
 	bool IsStopped() const;
 	void PlayNow(const Command& command);
 	void AppendSongs();
@@ -108,6 +110,7 @@ private:
 	void HandleEvent(const mpv_event& event);
 	void FileStarted(int64_t id);
 	void FileLoaded();
+	SongTags LoadedTags();
 	void FileEnded(const mpv_event& event);
 	void SongFailed(int32 index, const std::string& reason);
 	void PlaybackRestarted();
@@ -146,6 +149,7 @@ private:
 	bigtime_t fStart = 0;    // where the song that is wanted begins
 	bool fWanted = false;    // a song was asked for and is not opened yet
 	bool fOpened = false;    // a file was opened since the list was idle
+	bool fAnnounced = false; // a song is told that has no sound yet
 	bool fAnyPlayed = false;
 	bool fToldSilence = false;
 };

@@ -127,13 +127,13 @@ load_functions(std::string& error)
 } // namespace
 
 std::unique_ptr<MpvPlayer>
-MpvPlayer::Create(Use use, std::string& error)
+MpvPlayer::Create(std::string& error)
 {
 	const MpvFunctions* functions = load_functions(error);
 	if (functions == nullptr)
 		return nullptr;
 	std::unique_ptr<MpvPlayer> player(new MpvPlayer(*functions));
-	return player->Start(use, error) ? std::move(player) : nullptr;
+	return player->Start(error) ? std::move(player) : nullptr;
 }
 
 MpvPlayer::MpvPlayer(const MpvFunctions& functions) : fMpv(functions) { }
@@ -145,7 +145,7 @@ MpvPlayer::~MpvPlayer()
 }
 
 bool
-MpvPlayer::Start(Use use, std::string& error)
+MpvPlayer::Start(std::string& error)
 {
 	fHandle = fMpv.create();
 	if (fHandle == nullptr) {
@@ -158,10 +158,8 @@ MpvPlayer::Start(Use use, std::string& error)
 	}
 	for (const char* script : kNeedlessScripts)
 		fMpv.setOptionString(fHandle, script, "no");
-	std::string output = use == kForReading ? "null" : WantedOutput();
+	std::string output = WantedOutput();
 	if (!output.empty() && !SetOption("ao", output.c_str(), error))
-		return false;
-	if (use == kForReading && !SetOption("pause", "yes", error))
 		return false;
 	if (int status = fMpv.initialize(fHandle); status < 0) {
 		error = fMpv.errorString(status);

@@ -16,9 +16,8 @@ struct MpvFunctions;
 	Thread: one, but for Wakeup(), which may be called from any while the object lives. */
 class MpvPlayer {
 public:
-	enum Use { kForPlaying, kForReading };
-	//! A player of sound only, for reading a silent one. NULL, and the reason in `error`, if there is none to be had.
-	static std::unique_ptr<MpvPlayer> Create(Use use, std::string& error);
+	//! A player of sound only. NULL, and the reason in `error`, if there is none to be had.
+	static std::unique_ptr<MpvPlayer> Create(std::string& error);
 	~MpvPlayer();
 
 	bool Command(std::initializer_list<const char*> words);
@@ -44,7 +43,7 @@ public:
 
 private:
 	explicit MpvPlayer(const MpvFunctions& functions);
-	[[nodiscard]] bool Start(Use use, std::string& error);
+	[[nodiscard]] bool Start(std::string& error);
 	[[nodiscard]] bool WaitUntilIdle(std::string& error);
 	bool SetOption(const char* name, const char* value, std::string& error);
 

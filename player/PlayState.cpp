@@ -46,12 +46,40 @@ PlayState::CurrentIndex() const
 }
 
 void
+PlayState::Announce(int32 index, const SongTags& tags, bigtime_t position)
+{
+	std::lock_guard lock(fLock);
+	fPlaylist.SetTags(index, tags);
+	fPlaylist.SetPlayed(index);
+	fCurrent = index;
+	fAnnounced = true;
+	fLength = tags.length;
+	fState = kPlaying;
+	fClock.SetRunning(false, system_time());
+	fClock.SetLength(tags.length);
+	fClock.Jump(position);
+}
+
+void
+PlayState::Withdraw()
+{
+	std::lock_guard lock(fLock);
+	fPlaylist.SetPlayed(fCurrent, false);
+	fCurrent = -1;
+	fAnnounced = false;
+	fLength = 0;
+	fState = kStopped;
+	fClock.Jump(0);
+}
+
+void
 PlayState::StartSong(int32 index, const SongTags& tags, bigtime_t position)
 {
 	std::lock_guard lock(fLock);
 	fPlaylist.SetTags(index, tags);
 	fPlaylist.SetPlayed(index);
 	fCurrent = index;
+	fAnnounced = false;
 	fLength = tags.length;
 	fState = fPaused ? kPaused : kPlaying;
 	fClock.SetLength(tags.length);
@@ -92,7 +120,7 @@ PlayState::SetPaused(bool paused)
 	if (fState == kStopped)
 		return;
 	fState = paused ? kPaused : kPlaying;
-	fClock.SetRunning(!paused, system_time());
+	fClock.SetRunning(!paused && !fAnnounced, system_time());
 }
 
 void

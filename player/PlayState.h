@@ -29,6 +29,10 @@ public:
 	int32 CurrentIndex() const; // -1 before the first song
 
 	// the engine's side
+	//! `index` will play, from `position` on: it is told already, standing still, while the player is being started.
+	void Announce(int32 index, const SongTags& tags, bigtime_t position);
+	//! It will not after all.
+	void Withdraw();
 	//! From here on `index` is what plays, from `position`, named by its tags.
 	void StartSong(int32 index, const SongTags& tags, bigtime_t position);
 	void SetFailed(int32 index, bool failed);
@@ -55,4 +59,5 @@ private:
 	bigtime_t fLength = 0;
 	State fState = kStopped;
 	bool fPaused = false;
+	bool fAnnounced = false; // what is current has no sound yet
 };

@@ -62,10 +62,10 @@ Playlist::SetLength(int32 index, bigtime_t length)
 }
 
 void
-Playlist::SetPlayed(int32 index)
+Playlist::SetPlayed(int32 index, bool played)
 {
 	if (IsValid(index))
-		fEntries[index].played = true;
+		fEntries[index].played = played;
 }
 
 void

@@ -40,7 +40,7 @@ public:
 	/*!	Names the song by its tags, numbered if another song has the name; without tags by its file's name. The length is set as well. */
 	void SetTags(int32 index, const SongTags& tags);
 	void SetLength(int32 index, bigtime_t length);
-	void SetPlayed(int32 index);
+	void SetPlayed(int32 index, bool played = true);
 	void SetFailed(int32 index, bool failed);
 
 	//! The next index from `index` on in steps of `step` whose song has not failed; -1 if there is none.

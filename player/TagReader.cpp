@@ -1,16 +1,6 @@
 #include "TagReader.h"
 
-#include "MpvPlayer.h"
-
-#include <cmath>
-
-namespace {
-
-constexpr bigtime_t kPatience
-	= 5000000;                // for a file on a slow disk; then it is named when it plays
-constexpr double kLook = 0.1; // seconds, between two looks at whether to end
-
-} // namespace
+#include "song_tags.h"
 
 TagReader::TagReader(PlayState& state, std::function<void()> changed)
 	: fState(state),
@@ -72,35 +62,11 @@ TagReader::IsEnding() const
 void
 TagReader::ReadAll()
 {
-	std::unique_ptr<MpvPlayer> player;
 	PlaylistEntry entry;
 	for (; fState.GetEntry(fNext, entry) && !IsEnding(); fNext++) {
-		if (entry.played || entry.failed)
-			continue;
-		std::string error;
-		if (player == nullptr)
-			player = MpvPlayer::Create(MpvPlayer::kForReading, error);
-		if (player == nullptr)
-			return; // the engine tells why
-		if (Read(*player, fNext, entry))
+		SongTags tags;
+		if (!entry.played && !entry.failed && read_song_tags(entry.path, tags)
+			&& fState.Describe(fNext, tags))
 			fChanged();
 	}
-}
-
-bool
-TagReader::Read(MpvPlayer& player, int32 index, const PlaylistEntry& entry)
-{
-	if (!player.Command({"loadfile", entry.path.c_str()}))
-		return false;
-	bigtime_t end = system_time() + kPatience;
-	bool started = false;
-	while (!IsEnding() && system_time() < end) {
-		mpv_event_id event = player.WaitEvent(kLook)->event_id;
-		started = started || event == MPV_EVENT_START_FILE;
-		if (event == MPV_EVENT_END_FILE && started) // the one before this ends first
-			return false;
-		if (event == MPV_EVENT_FILE_LOADED && started)
-			return fState.Describe(index, player.Tags());
-	}
-	return false;
 }

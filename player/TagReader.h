@@ -4,20 +4,16 @@
 
 #include <condition_variable>
 #include <functional>
-#include <memory>
 #include <mutex>
 
 #include <OS.h>
 
-class MpvPlayer;
-
-/*!	Reads title and length of the songs that have not played yet, one after the other, with a silent player of its own that is
-	there only while there is something to read.
+/*!	Reads title and length of the songs that have not played yet, one after the other.
 	Thread: the public calls may come from any thread; `changed` is called on the reader's own, with no lock held. */
 class TagReader {
 public:
 	TagReader(PlayState& state, std::function<void()> changed);
-	//! Waits for the song that is being read, 0.1 s at most.
+	//! Waits for the song that is being read.
 	~TagReader();
 
 	//! There may be new songs in the list.
@@ -28,7 +24,6 @@ private:
 	void Run();
 	bool WaitForWork();
 	void ReadAll();
-	bool Read(MpvPlayer& player, int32 index, const PlaylistEntry& entry);
 	bool IsEnding() const;
 
 	PlayState& fState;

@@ -202,6 +202,20 @@ TEST_F(EngineTest, TellsWhenNothingCouldBePlayed)
 	EXPECT_EQ(fState.Info().state, PlayState::kStopped);
 }
 
+TEST_F(EngineTest, ASongThatIsToldBeforeItIsHeardIsTakenBackWhenItFails)
+{
+	write_wave(Path("1.wav"), 1, "Song", "Band");
+	std::string song = fDir.Read("1.wav");
+	song[20] = 0x7f; // a coding of sound that there is not
+	AddText("1.wav", song);
+	fEngine.Play(0);
+	EXPECT_TRUE(WaitForTitle("Band - Song"));
+	ASSERT_TRUE(fTold.WaitForEnd());
+	EXPECT_THAT(fTold.failed, ElementsAre(0));
+	EXPECT_EQ(fState.CurrentIndex(), -1);
+	EXPECT_EQ(Title(), "");
+}
+
 TEST_F(EngineTest, DoesNotPlayAListOfFilesAsASong)
 {
 	AddWave("1.wav", 0.3);
@@ -336,7 +350,7 @@ TEST_F(EngineTest, SongsAreNamedBeforeTheyPlay)
 	AddText("2.wav", "This is no music.\n");
 	AddWave("3.wav", 0.5, "Three", "Band");
 	fEngine.Play(0);
-	ASSERT_TRUE(WaitForTitle("Band - One"));
+	ASSERT_TRUE(WaitForTitle("Band - One")); // already before it is heard
 	TagReader reader(fState, [] {});
 	reader.Wake();
 	PlaylistEntry entry;
