@@ -5,7 +5,7 @@ BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
 	fonts-ipafont-gothic fonts-noto-color-emoji)
 TEST_PACKAGES=(python3 x11-apps clang-format-14 xvfb xauth openbox xdotool x11-utils dbus)
 FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)
-BENCH_PACKAGES=(libbenchmark-dev)
+BENCH_PACKAGES=(libbenchmark-dev libsimpleini-dev)
 
 # ensure_packages NAME...: installs those that are missing, with sudo when not root.
 ensure_packages() {
