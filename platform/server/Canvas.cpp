@@ -9,6 +9,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPushButton>
 #include <QStyleHints>
 #include <View.h>
 
@@ -102,10 +103,12 @@ Canvas::wheelEvent(QWheelEvent* event)
 	fPort->Send(std::move(message));
 }
 
+//! What the control with the focus has no use for comes here.
 void
 Canvas::keyPressEvent(QKeyEvent* event)
 {
-	SendKey(true, event);
+	if (!IsForDefaultButton(*event) || !PressDefaultButton())
+		SendKey(true, event);
 }
 
 void
@@ -114,6 +117,27 @@ Canvas::keyReleaseEvent(QKeyEvent* event)
 	// the keyboard's repeat lets go of the key in between only for those who did not ask
 	if (!event->isAutoRepeat())
 		SendKey(false, event);
+}
+
+bool
+Canvas::IsForDefaultButton(const QKeyEvent& event)
+{
+	return (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) && !event.isAutoRepeat()
+		&& (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
+
+//! False when the window has none to be pressed.
+bool
+Canvas::PressDefaultButton()
+{
+	const auto buttons = findChildren<QPushButton*>();
+	for (QPushButton* button : buttons) {
+		if (button->isDefault() && button->isVisible() && button->isEnabled()) {
+			button->animateClick();
+			return true;
+		}
+	}
+	return false;
 }
 
 void

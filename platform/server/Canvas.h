@@ -38,6 +38,8 @@ protected:
 	void dropEvent(QDropEvent* event) override;
 
 private:
+	static bool IsForDefaultButton(const QKeyEvent& event);
+	bool PressDefaultButton();
 	void SendButton(uint32 what, QMouseEvent* event);
 	void SendKey(bool down, QKeyEvent* event);
 	void SendMove(QPointF where, QPointF screenWhere, Qt::MouseButtons buttons,
