@@ -1,9 +1,9 @@
 #include "framework/TIniFile.h"
 
 #include <algorithm>
-#include <limits.h>
+#include <climits>
+#include <cstring>
 #include <memory>
-#include <string.h>
 
 #include "framework/TIniFilePair.h"
 #include "framework/TIniFileSection.h"

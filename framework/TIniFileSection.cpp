@@ -1,7 +1,7 @@
 #include "framework/TIniFileSection.h"
 
 #include <algorithm>
-#include <string.h>
+#include <cstring>
 
 #include "framework/TIniFilePair.h"
 

@@ -1,9 +1,9 @@
 #include "framework/TLLT.h"
 
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string.h>
 #include <utility>
 #include <vector>
 

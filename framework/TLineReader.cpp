@@ -1,7 +1,7 @@
 #include "framework/TLineReader.h"
 
 #include <algorithm>
-#include <string.h>
+#include <cstring>
 
 namespace merion {
 

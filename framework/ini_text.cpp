@@ -1,10 +1,10 @@
 #include "framework/ini_text.h"
 
 #include <charconv>
+#include <cstdio>
 #include <locale>
 #include <memory>
 #include <sstream>
-#include <stdio.h>
 
 #include "framework/TIniFilePair.h"
 #include "framework/TIniFileSection.h"

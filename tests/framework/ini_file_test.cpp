@@ -415,7 +415,8 @@ TEST(IniFile, IsWrittenBackWhenItEnds)
 		ini.DeleteKey("rest");
 		ini.WriteValue("key", "v");
 		EXPECT_EQ(ini.SetTo(&directory, "b.ini", B_READ_WRITE, kLineLength), B_OK);
-		EXPECT_EQ(folder.Read("a.ini"), "key = v\n\nong value\n\nrest = of it\n") << "not truncated";
+		EXPECT_EQ(folder.Read("a.ini"), "key = v\n\nong value\n\nrest = of it\n")
+			<< "not truncated";
 		ini.WriteValue("b", 1L);
 		ini.Unset();
 		EXPECT_EQ(folder.Read("b.ini"), "b = 1\n\n");
