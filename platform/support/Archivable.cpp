@@ -1,19 +1,30 @@
 #include <Archivable.h>
 
-#include <Message.h>
+#include "support/ArchiveManager.h"
 
+#include <Message.h>
 #include <cxxabi.h>
+#include <dlfcn.h>
 #include <memory>
 #include <stdlib.h>
 #include <string>
 #include <string_view>
 #include <typeinfo>
 
+using namespace BPrivate;
+
 static constexpr const char* kClassField = "class";
+
+// Objects within objects; each takes some stack. Deeper ones are no one's honest archive.
+static constexpr int32 kDeepest = 100;
+static thread_local int32 tDepth = 0;
 
 BArchivable::BArchivable(BMessage*) { }
 
-BArchivable::~BArchivable() = default;
+BArchivable::~BArchivable()
+{
+	UnarchiveManager::ObjectGone(this);
+}
 
 static std::string
 class_name(const std::type_info& type)
@@ -29,6 +40,7 @@ BArchivable::Archive(BMessage* into, bool) const
 {
 	if (into == nullptr)
 		return B_BAD_VALUE;
+	ArchiveManager::ObjectArchived(this, into);
 	return into->AddString(kClassField, class_name(typeid(*this)).c_str());
 }
 
@@ -74,16 +86,13 @@ instantiate_symbol(std::string_view className)
 }
 
 static instantiation_func
-find_func(const char* className, image_id* id)
+find_in_images(const char* symbol, image_id* id)
 {
-	const std::string symbol = instantiate_symbol(className);
-	if (symbol.empty())
-		return nullptr;
 	int32 cookie = 0;
 	image_info info;
 	while (get_next_image_info(B_CURRENT_TEAM, &cookie, &info) == B_OK) {
 		void* location;
-		if (get_image_symbol(info.id, symbol.c_str(), B_SYMBOL_TYPE_TEXT, &location) == B_OK) {
+		if (get_image_symbol(info.id, symbol, B_SYMBOL_TYPE_TEXT, &location) == B_OK) {
 			*id = info.id;
 			return reinterpret_cast<instantiation_func>(location);
 		}
@@ -91,22 +100,55 @@ find_func(const char* className, image_id* id)
 	return nullptr;
 }
 
+/*!	`id` NULL: nobody asks for it, and the linker's own search, which knows the program and what it needs, is
+	some hundred times as fast as looking at one image after the other. */
+static instantiation_func
+find_func(const char* className, image_id* id)
+{
+	const std::string symbol = instantiate_symbol(className);
+	if (symbol.empty())
+		return nullptr;
+	if (id != nullptr)
+		return find_in_images(symbol.c_str(), id);
+	if (void* location = dlsym(RTLD_DEFAULT, symbol.c_str()))
+		return reinterpret_cast<instantiation_func>(location);
+	image_id unused;
+	return find_in_images(symbol.c_str(), &unused);
+}
+
 instantiation_func
 find_instantiation_func(const char* className)
 {
-	image_id id;
-	return className != nullptr ? find_func(className, &id) : nullptr;
+	return className != nullptr ? find_func(className, nullptr) : nullptr;
+}
+
+//! With a manager for what belongs together, unless there is one.
+static BArchivable*
+call_managed(instantiation_func func, BMessage* archive)
+{
+	if (!BUnarchiver::IsArchiveManaged(archive) || UnarchiveManager::Find(archive) != nullptr)
+		return func(archive);
+	BUnarchiver unarchiver(archive);
+	BArchivable* object = func(archive);
+	if (unarchiver.Finish() == B_OK)
+		return object;
+	delete object;
+	return nullptr;
 }
 
 BArchivable*
 instantiate_object(BMessage* archive, image_id* id)
 {
-	image_id image = B_BAD_IMAGE_ID;
-	const char* name;
-	instantiation_func func = nullptr;
-	if (archive != nullptr && archive->FindString(kClassField, &name) == B_OK)
-		func = find_func(name, &image);
 	if (id != nullptr)
-		*id = image;
-	return func != nullptr ? func(archive) : nullptr;
+		*id = B_BAD_IMAGE_ID;
+	const char* name;
+	if (archive == nullptr || archive->FindString(kClassField, &name) != B_OK || tDepth >= kDeepest)
+		return nullptr;
+	const instantiation_func func = find_func(name, id);
+	if (func == nullptr)
+		return nullptr;
+	tDepth++;
+	BArchivable* object = call_managed(func, archive);
+	tDepth--;
+	return object;
 }
