@@ -3,6 +3,7 @@
 #include "app/LooperAccess.h"
 #include "app/LooperList.h"
 #include "app/MessageAccess.h"
+#include "support/ArchiveFields.h"
 #include <List.h>
 #include <Message.h>
 #include <MessageFilter.h>
@@ -34,15 +35,47 @@ LooperAccess::OfThisThread()
 BLooper::BLooper(const char* name, int32 priority, int32 portCapacity)
 	: BHandler(name),
 	  fLock(std::make_shared<LooperLock>()),
-	  fPort(MessagePort::Create(portCapacity)),
 	  fQueue(std::make_unique<BMessageQueue>()),
 	  fPriority(priority)
 {
+	Init(portCapacity);
+}
+
+BLooper::BLooper(BMessage* data)
+	: BHandler(data),
+	  fLock(std::make_shared<LooperLock>()),
+	  fQueue(std::make_unique<BMessageQueue>()),
+	  fPriority(archive_or_empty(data).GetInt32("_prio", B_NORMAL_PRIORITY))
+{
+	Init(archive_or_empty(data).GetInt32("_port_cap", B_LOOPER_PORT_DEFAULT_CAPACITY));
+}
+
+void
+BLooper::Init(int32 portCapacity)
+{
+	fPort = MessagePort::Create(portCapacity);
 	fPort->SetLooperToken(MessengerAccess::TokenOf(this));
 	LooperList::Add(this, fLock, fPort);
 	Lock();
 	AddHandler(this);
-	LooperList::SetName(this, name);
+	LooperList::SetName(this, Name());
+}
+
+BArchivable*
+BLooper::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BLooper") ? new BLooper(data) : NULL;
+}
+
+status_t
+BLooper::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BHandler::Archive(data, deep));
+	writer.Int32("_port_cap", fPort->Capacity());
+	thread_info info;
+	if (get_thread_info(fThread, &info) == B_OK)
+		writer.Int32("_prio", info.priority);
+	return writer.Status();
 }
 
 BLooper::~BLooper()

@@ -32,6 +32,7 @@ public:
 	~MessagePort();
 
 	int32 Id() const { return fId; }
+	int32 Capacity() const { return int32(fCapacity); }
 	//! The looper's thread, negative until it runs.
 	thread_id Thread() const { return fThread.load(std::memory_order_relaxed); }
 	//! The looper as a handler, for PostQuit().

@@ -1,5 +1,6 @@
 #include "interface/ViewData.h"
 #include "interface/WidgetText.h"
+#include "support/ArchiveFields.h"
 
 #include <Button.h>
 #include <QPushButton>
@@ -11,12 +12,40 @@ BButton::BButton(BRect frame, const char* name, const char* label, BMessage* mes
 	: BControl(frame, name, label, message, resizingMode, flags),
 	  fDefault(false)
 {
+	Init();
+}
+
+BButton::BButton(BMessage* data)
+	: BControl(data),
+	  fDefault(archive_or_empty(data).GetBool("_default", false))
+{
+	Init();
+	SetEnabled(IsEnabled());
+}
+
+BArchivable*
+BButton::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BButton") ? new BButton(data) : NULL;
+}
+
+status_t
+BButton::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BControl::Archive(data, deep));
+	writer.True("_default", fDefault);
+	return writer.Status();
+}
+
+void
+BButton::Init()
+{
 	auto connect = [](QPushButton* button, ProxySink* sink) {
 		QObject::connect(button, &QPushButton::clicked, sink, [sink] { sink->Send(BMessage()); });
 	};
 	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
 		WidgetProxy::MakerOf<QPushButton>(connect), [this](BMessage*) { Clicked(); }));
-	SetLabel(label);
+	SetLabel(Label());
 }
 
 void
@@ -37,7 +66,7 @@ BButton::SetLabel(const char* label)
 {
 	BControl::SetLabel(label);
 	ViewData::Of(this).proxy->Adjust<QPushButton>(
-		[text = widget_text(label)](QPushButton& button) { button.setText(text); });
+		[text = widget_text(Label())](QPushButton& button) { button.setText(text); });
 }
 
 void

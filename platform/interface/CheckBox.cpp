@@ -10,6 +10,31 @@ BCheckBox::BCheckBox(BRect frame, const char* name, const char* label, BMessage*
 	uint32 resizingMode, uint32 flags)
 	: BControl(frame, name, label, message, resizingMode, flags)
 {
+	Init();
+}
+
+BCheckBox::BCheckBox(BMessage* data) : BControl(data)
+{
+	Init();
+	SetValue(Value());
+	SetEnabled(IsEnabled());
+}
+
+BArchivable*
+BCheckBox::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BCheckBox") ? new BCheckBox(data) : NULL;
+}
+
+status_t
+BCheckBox::Archive(BMessage* data, bool deep) const
+{
+	return BControl::Archive(data, deep);
+}
+
+void
+BCheckBox::Init()
+{
 	auto connect = [](QCheckBox* box, ProxySink* sink) {
 		QObject::connect(box, &QCheckBox::toggled, sink, [sink](bool checked) {
 			BMessage event;
@@ -22,7 +47,7 @@ BCheckBox::BCheckBox(BRect frame, const char* name, const char* label, BMessage*
 			SetValueNoUpdate(event->GetInt32("value", B_CONTROL_OFF));
 			Invoke();
 		}));
-	SetLabel(label);
+	SetLabel(Label());
 }
 
 void
@@ -36,7 +61,7 @@ BCheckBox::SetLabel(const char* label)
 {
 	BControl::SetLabel(label);
 	ViewData::Of(this).proxy->Adjust<QCheckBox>(
-		[text = widget_text(label)](QCheckBox& box) { box.setText(text); });
+		[text = widget_text(Label())](QCheckBox& box) { box.setText(text); });
 }
 
 void

@@ -1,5 +1,7 @@
 #include "interface/ViewData.h"
 
+#include "support/ArchiveFields.h"
+
 #include <Control.h>
 #include <Message.h>
 #include <Window.h>
@@ -16,6 +18,35 @@ BControl::BControl(BRect frame, const char* name, const char* label, BMessage* m
 	  fValue(B_CONTROL_OFF),
 	  fEnabled(true)
 { }
+
+BControl::BControl(BMessage* data)
+	: BView(data),
+	  BInvoker(archived_message(archive_or_empty(data), "_msg"), BMessenger()),
+	  fLabel(NULL)
+{
+	const BMessage& archive = archive_or_empty(data);
+	BControl::SetLabel(archive.GetString("_label"));
+	fValue = archive.GetInt32("_val", B_CONTROL_OFF);
+	fEnabled = !archive.GetBool("_disable", false);
+}
+
+BArchivable*
+BControl::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BControl") ? new BControl(data) : NULL;
+}
+
+status_t
+BControl::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BView::Archive(data, deep));
+	writer.Message("_msg", Message());
+	writer.String("_label", fLabel);
+	if (fValue != B_CONTROL_OFF)
+		writer.Int32("_val", fValue);
+	writer.True("_disable", !fEnabled);
+	return writer.Status();
+}
 
 BControl::~BControl()
 {

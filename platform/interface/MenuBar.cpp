@@ -15,8 +15,31 @@ static constexpr uint32 kShowChanges = '_MBC';
 BMenuBar::BMenuBar(
 	BRect frame, const char* name, uint32 resizingMode, menu_layout layout, bool resizeToFit)
 	: BMenu(frame, name, resizingMode, B_WILL_DRAW, layout),
-	  fResizeToFit(resizeToFit),
 	  fChangesPosted(false)
+{
+	fResizeToFit = resizeToFit;
+	Init();
+}
+
+BMenuBar::BMenuBar(BMessage* data) : BMenu(data), fChangesPosted(false)
+{
+	Init();
+}
+
+BArchivable*
+BMenuBar::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BMenuBar") ? new BMenuBar(data) : NULL;
+}
+
+status_t
+BMenuBar::Archive(BMessage* data, bool deep) const
+{
+	return BMenu::Archive(data, deep);
+}
+
+void
+BMenuBar::Init()
 {
 	auto connect = [](QMenuBar* bar, ProxySink* sink) {
 		bar->setNativeMenuBar(false);

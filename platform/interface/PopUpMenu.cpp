@@ -108,7 +108,21 @@ BPopUpMenu::BPopUpMenu(const char* name, bool radioMode, bool labelFromMarked, m
 		SetLabelFromMarked(true);
 }
 
+BPopUpMenu::BPopUpMenu(BMessage* data) : BMenu(data) { }
+
 BPopUpMenu::~BPopUpMenu() = default;
+
+BArchivable*
+BPopUpMenu::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BPopUpMenu") ? new BPopUpMenu(data) : NULL;
+}
+
+status_t
+BPopUpMenu::Archive(BMessage* data, bool deep) const
+{
+	return BMenu::Archive(data, deep);
+}
 
 BMenuItem*
 BPopUpMenu::Go(BPoint screenPoint, bool deliversMessage, bool openAnyway, bool asynchronous)

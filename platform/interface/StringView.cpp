@@ -1,5 +1,6 @@
 #include "interface/ViewData.h"
 #include "interface/WidgetText.h"
+#include "support/ArchiveFields.h"
 
 #include <QLabel>
 #include <QPainter>
@@ -41,9 +42,44 @@ BStringView::BStringView(
 	  fText(NULL),
 	  fAlignment(B_ALIGN_LEFT)
 {
+	Init();
+	SetText(text);
+}
+
+BStringView::BStringView(BMessage* data)
+	: BView(data),
+	  fText(NULL),
+	  fAlignment(B_ALIGN_LEFT)
+{
+	const BMessage& archive = archive_or_empty(data);
+	Init();
+	SetText(archive.GetString("_text"));
+	SetAlignment(alignment(archived_choice(archive, "_align", B_ALIGN_CENTER, B_ALIGN_LEFT)));
+	// every view is archived with a colour: the one that nobody has chosen is not shown, but the desktop's
+	if (HighColor() != DrawState().high)
+		ShowColor();
+}
+
+void
+BStringView::Init()
+{
 	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
 		WidgetProxy::MakerOf<ServerLabel>([](ServerLabel*, ProxySink*) {}), [](BMessage*) {}));
-	SetText(text);
+}
+
+BArchivable*
+BStringView::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BStringView") ? new BStringView(data) : NULL;
+}
+
+status_t
+BStringView::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BView::Archive(data, deep));
+	writer.String("_text", fText);
+	writer.Int32("_align", fAlignment);
+	return writer.Status();
 }
 
 BStringView::~BStringView()
@@ -61,6 +97,13 @@ void
 BStringView::SetHighColor(rgb_color color)
 {
 	BView::SetHighColor(color);
+	ShowColor();
+}
+
+void
+BStringView::ShowColor()
+{
+	const rgb_color color = HighColor();
 	ViewData::Of(this).proxy->Adjust<ServerLabel>([color](ServerLabel& label) {
 		QPalette palette = label.palette();
 		palette.setColor(QPalette::WindowText, QColor(color.red, color.green, color.blue));

@@ -436,9 +436,10 @@ BView::GetMouse(BPoint* where, uint32* buttons, bool)
 }
 
 status_t
-BView::SetEventMask(uint32 mask, uint32)
+BView::SetEventMask(uint32 mask, uint32 options)
 {
 	fData->eventMask = mask;
+	fData->eventOptions = options;
 	return B_OK;
 }
 

@@ -24,7 +24,18 @@ struct DrawState {
 	float penSize = 1;
 	drawing_mode mode = B_OP_COPY;
 	BFont font;
+	bool fontSet = false; // it does not follow the desktop's
 };
+
+//! A colour of the desktop that a view was archived with, lighter below a tint of 1, darker above.
+struct UIColor {
+	int32 which = -1; // none
+	float tint = 1;
+
+	rgb_color Color() const;
+};
+
+enum { kHighColor, kLowColor, kViewColor, kColorCount };
 
 /*!	The inside of a view, and what the parts of the kit do with views. Thread: the view's. */
 struct ViewData {
@@ -46,7 +57,9 @@ struct ViewData {
 	rgb_color viewColor = {255, 255, 255, 255};
 	DrawState state;
 	std::vector<DrawState> states;
+	UIColor uiColors[kColorCount];
 	uint32 eventMask = 0;
+	uint32 eventOptions = 0;
 	uint32 mouseMask = 0; // until the buttons are up
 	uint32 mouseOptions = 0;
 	std::unique_ptr<WidgetProxy> proxy;
@@ -62,6 +75,13 @@ struct ViewData {
 	void AddChild(BView* child, BView* before);
 	bool RemoveChild(BView* child);
 	BView* ViewAt(BPoint where); // in this view's coordinates
+
+	// Archives
+	void Write(BMessage* into, status_t* status) const;
+	void Read(const BMessage& archive);
+	status_t WriteChildren(BArchiver& archiver) const;
+	//! What cannot be read is left out, and the first error told.
+	status_t ReadChildren(BUnarchiver& unarchiver);
 
 	// Geometry
 	BRect Bounds() const { return frame.OffsetToCopy(scroll); }
@@ -87,6 +107,8 @@ struct ViewData {
 	void Invalidate(QRect inWindow);
 
 private:
+	void ReadColors(const BMessage& archive);
+	void ReadFont(const BMessage& archive);
 	void SetWindow(BWindow* newWindow);
 	void CallAttached();
 	void CallDetached();

@@ -73,6 +73,7 @@ BView::LowColor() const
 void
 BView::SetViewColor(rgb_color color)
 {
+	fData->uiColors[kViewColor] = UIColor();
 	if (fData->viewColor == color)
 		return;
 	fData->viewColor = color;
@@ -83,12 +84,14 @@ void
 BView::SetHighColor(rgb_color color)
 {
 	fData->state.high = color;
+	fData->uiColors[kHighColor] = UIColor();
 }
 
 void
 BView::SetLowColor(rgb_color color)
 {
 	fData->state.low = color;
+	fData->uiColors[kLowColor] = UIColor();
 }
 
 void
@@ -123,6 +126,7 @@ BView::SetFont(const BFont* font, uint32 mask)
 	taken.SetEncoding(mask & B_FONT_ENCODING ? font->Encoding() : mine.Encoding());
 	taken.SetFlags(mask & B_FONT_FLAGS ? font->Flags() : mine.Flags());
 	mine = taken;
+	fData->state.fontSet = true;
 	if (fData->proxy)
 		fData->proxy->SetFont(mine);
 }

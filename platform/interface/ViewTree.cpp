@@ -26,6 +26,8 @@ void
 ViewData::SetProxy(std::unique_ptr<WidgetProxy> widget)
 {
 	proxy = std::move(widget);
+	if (state.fontSet)
+		proxy->SetFont(state.font);
 }
 
 void

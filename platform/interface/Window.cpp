@@ -16,8 +16,8 @@ using namespace BPrivate;
 static std::atomic<int64> sFrontWindow = 0;
 
 //! The look and feel that the old types stand for.
-static window_look
-look_of(window_type type)
+window_look
+WindowData::LookOf(window_type type)
 {
 	switch (type) {
 		case B_MODAL_WINDOW:
@@ -33,8 +33,8 @@ look_of(window_type type)
 	}
 }
 
-static window_feel
-feel_of(window_type type)
+window_feel
+WindowData::FeelOf(window_type type)
 {
 	if (type == B_MODAL_WINDOW)
 		return B_MODAL_APP_WINDOW_FEEL;
@@ -55,7 +55,8 @@ tell_server(const WindowData& data, Function function)
 }
 
 BWindow::BWindow(BRect frame, const char* title, window_type type, uint32 flags, uint32 workspaces)
-	: BWindow(frame, title, look_of(type), feel_of(type), flags, workspaces)
+	: BWindow(
+		  frame, title, WindowData::LookOf(type), WindowData::FeelOf(type), flags, workspaces)
 { }
 
 BWindow::BWindow(BRect frame, const char* title, window_look look, window_feel feel, uint32 flags,
@@ -283,10 +284,8 @@ BWindow::SetSizeLimits(float minWidth, float maxWidth, float minHeight, float ma
 {
 	if (minWidth > maxWidth || minHeight > maxHeight)
 		return;
-	// Qt cannot have more
-	constexpr float kMost = 16383;
 	fData->limits = BRect(std::max(minWidth, 0.0f), std::max(minHeight, 0.0f),
-		std::min(maxWidth, kMost), std::min(maxHeight, kMost));
+		std::min(maxWidth, WindowData::kMost), std::min(maxHeight, WindowData::kMost));
 	fData->SendTraits();
 	ResizeTo(fData->frame.Width(), fData->frame.Height());
 }

@@ -46,8 +46,10 @@ struct WindowData {
 	window_feel feel = B_NORMAL_WINDOW_FEEL;
 	uint32 flags = 0;
 	uint32 workspaces = 0;
+	//! What Qt can have at a most.
+	static constexpr float kMost = 16383;
 	BRect limits{
-		0, 0, 16383, 16383}; // left, top: the smallest width and height; right, bottom: the largest
+		0, 0, kMost, kMost}; // left, top: the smallest width and height; right, bottom: the largest
 	int32 hideLevel = 1;
 	bool minimized = false;
 	bool serverMinimized = false; // as it was told or has reported last
@@ -73,6 +75,14 @@ struct WindowData {
 
 	static BWindow* MakeOffscreen(BBitmap* bitmap);
 	void MakeRoot();
+
+	// Archives
+	status_t Write(BMessage* into, status_t status, bool deep) const;
+	void Read(const BMessage& archive);
+	void ReadViews(const BMessage& archive);
+	//! The old types' look and feel.
+	static window_look LookOf(window_type type);
+	static window_feel FeelOf(window_type type);
 
 	// The server
 	void Open();

@@ -28,8 +28,13 @@ class BLooper : public BHandler {
 public:
 	explicit BLooper(const char* name = NULL, int32 priority = B_NORMAL_PRIORITY,
 		int32 portCapacity = B_LOOPER_PORT_DEFAULT_CAPACITY);
+	//! From an archive: "_prio", "_port_cap".
+	explicit BLooper(BMessage* data);
 	//! Messages that wait are deleted: who waits for their replies gets B_NO_REPLY. Only for a looper that never ran.
 	~BLooper() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	/*!	Posts a copy, to this looper itself or to `handler` (NULL: the preferred one, else this looper). Any thread, without the lock.
 		Never waits: B_WOULD_BLOCK when the queue is full. B_MISMATCHED_VALUES if the handler belongs to another looper. */
@@ -114,6 +119,7 @@ private:
 	friend class BPrivate::LooperAccess;
 
 	static status_t ThreadEntry(void* looper);
+	void Init(int32 portCapacity);
 	thread_id StartThread(status_t (*entry)(void*), const char* name);
 	void Loop();
 	void WaitForMessage();

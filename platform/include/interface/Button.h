@@ -7,6 +7,10 @@ class BButton : public BControl {
 public:
 	BButton(BRect frame, const char* name, const char* label, BMessage* message,
 		uint32 resizingMode = B_FOLLOW_LEFT_TOP, uint32 flags = B_WILL_DRAW | B_NAVIGABLE);
+	explicit BButton(BMessage* data);
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void AttachedToWindow() override;
 	void GetPreferredSize(float* width, float* height) override;
@@ -16,6 +20,7 @@ public:
 	bool IsDefault() const { return fDefault; }
 
 private:
+	void Init();
 	void Clicked();
 
 	bool fDefault;

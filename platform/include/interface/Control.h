@@ -19,7 +19,11 @@ public:
 	//! Owns `message`, which may be NULL.
 	BControl(BRect frame, const char* name, const char* label, BMessage* message,
 		uint32 resizingMode, uint32 flags);
+	explicit BControl(BMessage* data);
 	~BControl() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void AttachedToWindow() override;
 	void MakeFocus(bool focus = true) override;

@@ -22,7 +22,13 @@ class BMenu : public BView {
 public:
 	//! The title is the label of the item that it becomes when it is added to another menu.
 	explicit BMenu(const char* title, menu_layout layout = B_ITEMS_IN_COLUMN);
+	//! With the items of the archive. A matrix of items becomes a column.
+	explicit BMenu(BMessage* data);
 	~BMenu() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the items.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void AttachedToWindow() override;
 
@@ -82,9 +88,11 @@ protected:
 	BMenu(BRect frame, const char* name, uint32 resizingMode, uint32 flags, menu_layout layout);
 
 private:
+	friend class BMenuBar;
 	friend class BMenuItem;
 	friend class BPrivate::MenuAccess;
 
+	void ReadItems(const BMessage& archive);
 	bool CanAdd(const BMenuItem* item, int32 index) const;
 	void Insert(BMenuItem* item, int32 index);
 	BMenuItem* TakeOut(int32 index);
@@ -99,4 +107,5 @@ private:
 	bool fEnabled;
 	bool fRadioMode;
 	bool fLabelFromMarked;
+	bool fResizeToFit = true; // a bar's
 };

@@ -10,16 +10,20 @@ public:
 	BMenuBar(BRect frame, const char* name,
 		uint32 resizingMode = B_FOLLOW_LEFT_RIGHT | B_FOLLOW_TOP,
 		menu_layout layout = B_ITEMS_IN_ROW, bool resizeToFit = true);
+	explicit BMenuBar(BMessage* data);
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void AttachedToWindow() override;
 	void MessageReceived(BMessage* message) override;
 	void GetPreferredSize(float* width, float* height) override;
 
 private:
+	void Init();
 	void TreeChanged() override;
 	void ShowChanges();
 	void ItemChosen(BMessage* event);
 
-	bool fResizeToFit;
 	bool fChangesPosted;
 };

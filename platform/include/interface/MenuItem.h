@@ -18,8 +18,13 @@ public:
 	BMenuItem(const char* label, BMessage* message, char shortcut = 0, uint32 modifiers = 0);
 	//! Its label is the menu's name.
 	explicit BMenuItem(BMenu* submenu, BMessage* message = NULL);
+	explicit BMenuItem(BMessage* data);
 	//! Takes itself off its menu.
 	~BMenuItem() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the sub-menu.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	virtual void SetLabel(const char* label);
 	virtual void SetEnabled(bool enabled);

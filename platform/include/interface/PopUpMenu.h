@@ -12,8 +12,12 @@ class BPopUpMenu : public BMenu {
 public:
 	BPopUpMenu(const char* name, bool radioMode = true, bool labelFromMarked = true,
 		menu_layout layout = B_ITEMS_IN_COLUMN);
+	explicit BPopUpMenu(BMessage* data);
 	//! Closes it.
 	~BPopUpMenu() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	/*!	Opens the menu with its left top corner at `screenPoint`, as far as the screen allows.
 		Synchronous: waits until it is closed and answers the item that was chosen; NULL when none was, or when the server or the looper that

@@ -6,6 +6,10 @@
 class BSeparatorItem : public BMenuItem {
 public:
 	BSeparatorItem();
+	explicit BSeparatorItem(BMessage* data);
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	//! Does nothing: it is never enabled.
 	void SetEnabled(bool enabled) override;

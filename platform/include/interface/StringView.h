@@ -9,7 +9,11 @@ class BStringView : public BView {
 public:
 	BStringView(BRect frame, const char* name, const char* text,
 		uint32 resizingMode = B_FOLLOW_LEFT_TOP, uint32 flags = B_WILL_DRAW);
+	explicit BStringView(BMessage* data);
 	~BStringView() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void GetPreferredSize(float* width, float* height) override;
 	using BView::SetHighColor;
@@ -22,6 +26,9 @@ public:
 	alignment Alignment() const;
 
 private:
+	void Init();
+	void ShowColor();
+
 	char* fText;
 	alignment fAlignment;
 };

@@ -59,10 +59,16 @@ const uint32 B_FOLLOW_LEFT_TOP = B_FOLLOW_LEFT | B_FOLLOW_TOP;
 class BView : public BHandler {
 public:
 	BView(BRect frame, const char* name, uint32 resizingMode, uint32 flags);
+	//! With the children of the archive, whose classes are found by name.
+	explicit BView(BMessage* data);
 	BView(const BView&) = delete;
 	BView& operator=(const BView&) = delete;
 	//! Takes itself off its parent and deletes its children.
 	~BView() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the children.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	virtual void AttachedToWindow();
 	virtual void AllAttached();

@@ -84,7 +84,13 @@ public:
 		uint32 workspaces = B_CURRENT_WORKSPACE);
 	BWindow(BRect frame, const char* title, window_look look, window_feel feel, uint32 flags,
 		uint32 workspaces = B_CURRENT_WORKSPACE);
+	//! With the views of the archive; hidden, like any new window.
+	explicit BWindow(BMessage* data);
 	~BWindow() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the views.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void Quit() override;
 	void DispatchMessage(BMessage* message, BHandler* target) override;
