@@ -46,10 +46,7 @@ BStringView::BStringView(
 	SetText(text);
 }
 
-BStringView::BStringView(BMessage* data)
-	: BView(data),
-	  fText(NULL),
-	  fAlignment(B_ALIGN_LEFT)
+BStringView::BStringView(BMessage* data) : BView(data), fText(NULL), fAlignment(B_ALIGN_LEFT)
 {
 	const BMessage& archive = archive_or_empty(data);
 	Init();

@@ -55,8 +55,7 @@ tell_server(const WindowData& data, Function function)
 }
 
 BWindow::BWindow(BRect frame, const char* title, window_type type, uint32 flags, uint32 workspaces)
-	: BWindow(
-		  frame, title, WindowData::LookOf(type), WindowData::FeelOf(type), flags, workspaces)
+	: BWindow(frame, title, WindowData::LookOf(type), WindowData::FeelOf(type), flags, workspaces)
 { }
 
 BWindow::BWindow(BRect frame, const char* title, window_look look, window_feel feel, uint32 flags,
