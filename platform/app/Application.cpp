@@ -6,6 +6,7 @@
 #include "app/MainThreadService.h"
 #include "app/MessageAccess.h"
 #include <Message.h>
+#include <MessageQueue.h>
 #include <PropertyInfo.h>
 #include <Resources.h>
 #include <Roster.h>
@@ -120,6 +121,7 @@ BApplication::ApplicationThread(void* data)
 	BApplication* application = static_cast<BApplication*>(data);
 	const thread_id self = find_thread(NULL);
 	application->Loop();
+	application->CloseQueue();
 	while (application->IsLocked())
 		application->Unlock();
 	application->QuitOtherLoopers();
@@ -128,6 +130,15 @@ BApplication::ApplicationThread(void* data)
 		gMainThreadService->Stop();
 	LooperList::ThreadEnds(self);
 	return B_OK;
+}
+
+/*	The application outlives its loop: who waits for an answer learns that there is none. */
+void
+BApplication::CloseQueue()
+{
+	LooperAccess::Port(this)->Close();
+	while (BMessage* message = fQueue->NextMessage())
+		delete message;
 }
 
 /*	The real system ends a process whatever its loopers do; here they have to leave, because the display server must outlive

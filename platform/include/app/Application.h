@@ -59,6 +59,7 @@ private:
 	BLooper* FindLooper(BMessage* specifier, int32 form, bool windows, status_t* error);
 	void QuitOtherLoopers();
 	static status_t ApplicationThread(void* application);
+	void CloseQueue();
 
 	char* fSignature = nullptr;
 	status_t fInitStatus = B_OK;

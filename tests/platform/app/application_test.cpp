@@ -160,6 +160,22 @@ TEST(Application, StaysWhenAWindowRefusesToQuit)
 	EXPECT_EQ(application.CountWindows(), 0);
 }
 
+TEST(Application, LetsNobodyWaitWhoAsksAfterItsLoopHasEnded)
+{
+	Watchdog watchdog("the end of a wait for an application that has quit");
+	TestApplication application;
+	const BMessenger messenger(be_app_messenger);
+	application.PostMessage(B_QUIT_REQUESTED);
+	std::thread tester([&] {
+		BMessage reply;
+		while (messenger.SendMessage('more', &reply) == B_OK)
+			continue;
+	});
+	application.Run();
+	tester.join();
+	EXPECT_EQ(application.PostMessage('late'), B_BAD_PORT_ID);
+}
+
 TEST(Application, ListsLoopersInTheOrderOfTheirMaking)
 {
 	Watchdog watchdog("lists");
