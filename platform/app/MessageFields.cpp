@@ -51,8 +51,9 @@ unpack_ref(const void* data, size_t size, entry_ref* ref)
 	int64 directory;
 	memcpy(&device, bytes, sizeof(device));
 	memcpy(&directory, bytes + sizeof(device), sizeof(directory));
-	*ref = entry_ref(
-		dev_t(device), ino_t(directory), size > kRefNumbersSize ? bytes + kRefNumbersSize : NULL);
+	// a device number has more bits here than on the platform, and none of them is a sign but in "no device"
+	*ref = entry_ref(device == -1 ? dev_t(-1) : dev_t(uint32(device)), ino_t(directory),
+		size > kRefNumbersSize ? bytes + kRefNumbersSize : NULL);
 	return B_OK;
 }
 

@@ -130,7 +130,7 @@ TEST(Message, CopiesMayBeChangedByDifferentThreads)
 TEST(Message, RefsAndMessengersComeBackAsTheyWere)
 {
 	BMessage message;
-	const entry_ref ref(5, 0x1122334455LL, "name"), unset;
+	const entry_ref ref(0xfff80005, 0x1122334455LL, "name"), unset;
 	message.AddRef("refs", &ref);
 	message.AddRef("refs", &unset);
 	entry_ref found;
