@@ -1,6 +1,7 @@
 #include "interface/FontCache.h"
 
 #include "server/Desktop.h"
+#include "server/FontFallback.h"
 
 #include <QCoreApplication>
 #include <QFontDatabase>
@@ -31,20 +32,12 @@ struct FontsOfThread {
 	}
 };
 
-/*!	The family itself, then the desktop's default for what it lacks, then one for Han characters in
-	the right forms. */
 QStringList
 families_for(const QString& family)
 {
-	DesktopInfo desktop = desktop_info();
-	QStringList families;
-	if (QFontDatabase::hasFamily(family))
-		families << family;
-	families << desktop.plainFamily;
-	if (!desktop.hanFamily.isEmpty())
-		families << desktop.hanFamily;
-	families.removeDuplicates();
-	return families;
+	const DesktopInfo desktop = desktop_info();
+	return fallback_families(QFontDatabase::hasFamily(family) ? family : QString(),
+		desktop.plainFamily, desktop.plainHasHan, desktop.hanFamily);
 }
 
 void

@@ -1,5 +1,6 @@
 #include "server/Desktop.h"
 
+#include "server/FontFallback.h"
 #include "server/Keys.h"
 #include "server/X11Extras.h"
 
@@ -103,36 +104,13 @@ read_screens()
 	return infos;
 }
 
-/*!	A family for Han characters in the forms that Japanese readers expect. Fonts for all of China,
-	Japan and Korea name their forms in the family. */
-QString
-find_han_family()
+bool
+has_han(const QString& family)
 {
-	switch (QLocale().language()) {
-		case QLocale::Chinese:
-		case QLocale::Korean:
-			return QString();
-		default:
-			break;
-	}
-	const QStringList families = QFontDatabase::families(QFontDatabase::Japanese);
-	for (const char* good : {"Noto Sans CJK JP", "Noto Sans JP", "Source Han Sans JP",
-			 "IPAexGothic", "IPAPGothic", "IPAGothic", "VL PGothic", "TakaoPGothic"}) {
-		if (families.contains(QLatin1String(good)))
-			return QLatin1String(good);
-	}
-	auto isForeign = [](const QString& family) {
-		for (const char* tag : {" SC", " TC", " HK", " KR", " CN", " TW", "Serif", "Mincho"}) {
-			if (family.contains(QLatin1String(tag)))
-				return true;
-		}
-		return false;
-	};
-	for (const QString& family : families) {
-		if (!isForeign(family))
-			return family;
-	}
-	return families.isEmpty() ? QString() : families.first();
+	const QList<QFontDatabase::WritingSystem> systems = QFontDatabase::writingSystems(family);
+	return systems.contains(QFontDatabase::SimplifiedChinese)
+		|| systems.contains(QFontDatabase::TraditionalChinese)
+		|| systems.contains(QFontDatabase::Japanese) || systems.contains(QFontDatabase::Korean);
 }
 
 float
@@ -150,7 +128,9 @@ read_fonts(DesktopInfo& info)
 	info.plainSize = size_in_pixels(plain);
 	info.fixedFamily = QFontInfo(fixed).family();
 	info.fixedSize = size_in_pixels(fixed);
-	info.hanFamily = find_han_family();
+	info.hanFamily = han_family(
+		QLocale().language(), QFontDatabase::families(QFontDatabase::Japanese), info.plainFamily);
+	info.plainHasHan = has_han(info.plainFamily);
 	info.clickSpeed = QGuiApplication::styleHints()->mouseDoubleClickInterval() * 1000LL;
 }
 
@@ -262,6 +242,7 @@ Grab(QRect part)
 	image.setDevicePixelRatio(scale);
 	image.fill(Qt::black);
 	QPainter painter(&image);
+	bool hasAny = false;
 	for (QScreen* screen : QGuiApplication::screens()) {
 		const QRect common = part & screen->geometry();
 		if (common.isEmpty())
@@ -269,9 +250,11 @@ Grab(QRect part)
 		const QRect local = common.translated(-screen->geometry().topLeft());
 		const QPixmap pixmap
 			= screen->grabWindow(0, local.x(), local.y(), local.width(), local.height());
+		hasAny = hasAny || !pixmap.isNull();
 		painter.drawPixmap(common.translated(-part.topLeft()), pixmap);
 	}
-	return image;
+	painter.end();
+	return hasAny ? image : QImage();
 }
 
 } // namespace Desktop

@@ -27,9 +27,8 @@ struct DesktopInfo {
 	float plainSize = 12;
 	QString fixedFamily = "Monospace";
 	float fixedSize = 12;
-	/*!	Tried for Han characters before whatever else there is; empty where the desktop's language
-		is Chinese or Korean. */
-	QString hanFamily;
+	QString hanFamily; // see han_family()
+	bool plainHasHan = false;
 	bigtime_t clickSpeed = 400000;
 	std::vector<std::pair<color_which, rgb_color>> colors;
 };

@@ -1,6 +1,7 @@
 #include "support/display.h"
 
 #include "server/EventPort.h"
+#include "server/FontFallback.h"
 #include "server/WindowPicture.h"
 
 #include <Bitmap.h>
@@ -320,4 +321,27 @@ TEST(Translation, PicturesAreReadAndOthersRefused)
 	for (const char* bad : {"broken.png", "empty.png", "huge.png", "missing.png"})
 		EXPECT_EQ(load(bad), nullptr) << bad;
 	EXPECT_EQ(BTranslationUtils::GetBitmap(static_cast<const char*>(NULL)), nullptr);
+}
+
+TEST(FontFallback, GivesHanCharactersJapaneseFormsUnlessTheDesktopHasOthers)
+{
+	using BPrivate::fallback_families;
+	using BPrivate::han_family;
+	const QString jp = "Noto Sans CJK JP";
+	const QString sc = "Noto Sans CJK SC";
+	const QStringList all = {"Noto Serif CJK JP", jp, sc, "Kochi Mincho"};
+	EXPECT_EQ(han_family(QLocale::English, all, "DejaVu Sans"), jp);
+	EXPECT_EQ(han_family(QLocale::English, all, sc), jp);
+	EXPECT_EQ(han_family(QLocale::German, all, "Noto Serif CJK JP"), "Noto Serif CJK JP");
+	EXPECT_EQ(han_family(QLocale::Japanese, all, "Kochi Mincho"), "Kochi Mincho");
+	EXPECT_EQ(han_family(QLocale::Chinese, all, sc), "");
+	EXPECT_EQ(han_family(QLocale::Korean, all, "DejaVu Sans"), "");
+	EXPECT_EQ(han_family(QLocale::English, {sc, "Kochi Mincho"}, sc), "Kochi Mincho");
+	EXPECT_EQ(han_family(QLocale::English, {}, "DejaVu Sans"), "");
+
+	EXPECT_EQ(fallback_families("Own", "DejaVu Sans", false, jp),
+		(QStringList{"Own", "DejaVu Sans", jp}));
+	EXPECT_EQ(fallback_families("Own", sc, true, jp), (QStringList{"Own", jp, sc}));
+	EXPECT_EQ(fallback_families("", jp, true, jp), QStringList{jp});
+	EXPECT_EQ(fallback_families(sc, sc, true, ""), QStringList{sc});
 }
