@@ -30,14 +30,14 @@ ui_color(color_which which)
 status_t
 get_mouse(BPoint* screenWhere, uint32* buttons)
 {
-	auto pointer = ServerLink::Default().Call([] { return Desktop::Pointer(); });
-	if (!pointer)
-		return B_ERROR;
+	const auto answer = ServerLink::Default().Call([] { return Desktop::Pointer(); });
+	// a BView has no way to tell that there is no server any more: nothing is held down then
+	const PointerState pointer = answer.value_or(PointerState());
 	if (screenWhere != NULL)
-		*screenWhere = BPoint(pointer->where.x(), pointer->where.y());
+		*screenWhere = BPoint(pointer.where.x(), pointer.where.y());
 	if (buttons != NULL)
-		*buttons = pointer->buttons;
-	return B_OK;
+		*buttons = pointer.buttons;
+	return answer ? B_OK : B_ERROR;
 }
 
 status_t
