@@ -23,7 +23,8 @@ Plays music files and folders, and shows what its add-ons show.
 
 Without FILE the window opens empty and takes what is dropped on it.
 
-Exit status: 0 all went well, 1 nothing could be played or saved, 2 wrong use.
+Exit status: 0 all went well, 1 nothing could be played or saved, 2 wrong use,
+3 there is no screen.
 )";
 
 template<typename Number>

@@ -2,6 +2,7 @@
 #include "QuboApp.h"
 #include "SignalWatch.h"
 #include "memory_use.h"
+#include "screen_check.h"
 
 #include <AppDefs.h>
 
@@ -11,13 +12,19 @@
 namespace {
 
 constexpr int kWrongUse = 2;
+constexpr int kNoScreen = 3;
 
 int
 run(const CommandLine& line)
 {
 	if (line.headless)
 		setenv("QT_QPA_PLATFORM", "offscreen", 1); // windows without a screen
-	setenv("PIPEWIRE_DEBUG", "0", 0);              // a missing sound device is told by us
+	else if (!has_screen()) {
+		fputs(
+			"qubo: there is no screen to show windows on (--headless plays without one)\n", stderr);
+		return kNoScreen;
+	}
+	setenv("PIPEWIRE_DEBUG", "0", 0); // a missing sound device is told by us
 	tune_allocator();
 	SignalWatch signals;
 	QuboApp application(line);
