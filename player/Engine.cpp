@@ -46,6 +46,12 @@ Engine::~Engine()
 }
 
 void
+Engine::Announce(int32 index, bigtime_t position)
+{
+	Post({kAnnounce, position, index});
+}
+
+void
 Engine::Play(int32 index, bool fade, bigtime_t position)
 {
 	Post({kPlay, position, index, fade});
@@ -157,6 +163,9 @@ bool
 Engine::Execute(const Command& command)
 {
 	switch (command.action) {
+		case kAnnounce:
+			AnnounceRequested(command);
+			break;
 		case kPlay:
 			PlayRequested(command);
 			break;
@@ -203,12 +212,25 @@ Engine::Execute(const Command& command)
 // #pragma mark - requests
 
 void
+Engine::AnnounceRequested(const Command& command)
+{
+	PlaylistEntry entry;
+	SongTags tags;
+	if (fPlayer != nullptr || !fState.GetEntry(command.index, entry)
+		|| !read_song_tags(entry.path, tags))
+		return;
+	fAnnounced = true;
+	fState.Announce(command.index, tags, command.value);
+	fListener.PlayingChanged();
+}
+
+void
 Engine::PlayRequested(const Command& command)
 {
 	PlaylistEntry entry;
 	if (!fState.GetEntry(command.index, entry))
 		return;
-	Announce(command, entry);
+	AnnounceRequested(command);
 	if (!StartPlayer())
 		return;
 	if (command.fade && !IsStopped() && !fPaused) {
@@ -294,18 +316,6 @@ Engine::StartPlayer()
 	std::lock_guard lock(fLock);
 	fWakeable = fPlayer.get();
 	return true;
-}
-
-/*!	The player library takes its time to load: what is to be seen of the song does not wait for that. */
-void
-Engine::Announce(const Command& command, const PlaylistEntry& entry)
-{
-	SongTags tags;
-	if (fPlayer != nullptr || !read_song_tags(entry.path, tags))
-		return;
-	fAnnounced = true;
-	fState.Announce(command.index, tags, command.value);
-	fListener.PlayingChanged();
 }
 
 void

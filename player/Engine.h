@@ -38,6 +38,8 @@ public:
 	//! Ends the sound and the thread.
 	~Engine();
 
+	/*!	Tells a song as the one that plays, standing at `position`, before the player library is loaded; later it does nothing. */
+	void Announce(int32 index, bigtime_t position = 0);
 	//! Plays a song of the list, from `position` (µs) on; `fade`: after 0.5 s in which the old one fades out.
 	void Play(int32 index, bool fade = false, bigtime_t position = 0);
 	//! Plays, goes on, or starts again after the end.
@@ -54,6 +56,7 @@ public:
 
 private:
 	enum Action {
+		kAnnounce,
 		kPlay,
 		kResume,
 		kPause,
@@ -90,6 +93,7 @@ private:
 	bool Execute(const Command& command); // false: the end
 
 	// what the commands do
+	void AnnounceRequested(const Command& command);
 	void PlayRequested(const Command& command);
 	void ResumeRequested();
 	void PauseRequested(bool pause);
@@ -98,7 +102,6 @@ private:
 	void VolumeRequested(int32 percent);
 
 	bool StartPlayer();
-	void Announce(const Command& command, const PlaylistEntry& entry);
 	void Withdraw();
 	bool IsStopped() const;
 	void PlayNow(const Command& command);

@@ -19,7 +19,10 @@
 namespace {
 
 constexpr bigtime_t kAddOnPatience = 1000000; // then it plays without waiting for add-ons any more
-constexpr bigtime_t kSettleTime = 3000000;    // from the start to steady playing
+// To load the player library keeps other libraries from being loaded, such as text converters: lyrics that are on their way come first.
+constexpr bigtime_t kLookTime = 200000;    // for an add-on to ask what plays
+constexpr bigtime_t kShowTime = 30000;     // for it to show that
+constexpr bigtime_t kSettleTime = 3000000; // from the start to steady playing
 
 std::string
 formatted(TextKey key, const std::string& first, const std::string& second = "")
@@ -111,6 +114,8 @@ QuboApp::ResolveSpecifier(
 	if (!FrontEndServer::IsPlaylist(form, property))
 		return BApplication::ResolveSpecifier(message, index, specifier, form, property);
 	message->PopSpecifier();
+	if (message->what == kQuboGetEntry && !std::exchange(fLookedAt, true))
+		StartPlayingIn(kShowTime);
 	return &fFrontEnd;
 }
 
@@ -162,8 +167,7 @@ QuboApp::LoadAddOns()
 {
 	std::string folder = fLine.addOns.empty() ? AddOnHost::DefaultFolder() : fLine.addOns;
 	fAddOns.reset(new AddOnHost(folder, *this));
-	BMessage late(kMsgStartPlaying);
-	BMessageRunner::StartSending(BMessenger(this), &late, kAddOnPatience, 1);
+	StartPlayingIn(kAddOnPatience);
 	BMessage settled(kMsgSettled);
 	BMessageRunner::StartSending(BMessenger(this), &settled, kSettleTime, 1);
 }
@@ -172,7 +176,20 @@ void
 QuboApp::AddOnsLoadedRqtd(BMessage* message)
 {
 	fWindow.SendMessage(message);
-	StartPlaying();
+	if (!message->HasString("name")) {
+		StartPlaying();
+		return;
+	}
+	if (!fStarted && !fQuitting)
+		fEngine.Announce(0, fLine.start);
+	StartPlayingIn(kLookTime);
+}
+
+void
+QuboApp::StartPlayingIn(bigtime_t delay)
+{
+	BMessage message(kMsgStartPlaying);
+	BMessageRunner::StartSending(BMessenger(this), &message, delay, 1);
 }
 
 void

@@ -49,6 +49,7 @@ private:
 	void StartWatch();
 	void LoadAddOns();
 	void StartPlaying();
+	void StartPlayingIn(bigtime_t delay);
 	void AddOnsLoadedRqtd(BMessage* message);
 	void AddOnRqtd(BMessage* message);
 	void PlayingEndedRqtd(BMessage* message);
@@ -67,6 +68,7 @@ private:
 	FrontEndServer fFrontEnd;
 	std::unique_ptr<AddOnHost> fAddOns;
 	int fExitCode = 0;
+	bool fLookedAt = false; // an add-on has asked what plays
 	bool fStarted = false;
 	bool fQuitting = false;
 	bool fAddOnsGone = false;
