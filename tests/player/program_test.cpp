@@ -2,12 +2,15 @@
 #include "WaveFile.h"
 #include "support/temp_folder.h"
 
+#include <File.h>
+#include <Message.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <sstream>
 
 using testing::Contains;
@@ -36,13 +39,14 @@ protected:
 	}
 	void InstallProbe() { std::filesystem::copy_file(PROBE_ADD_ON, AddOns() + "/gen_probe.so"); }
 
-	Child Start(std::vector<std::string> arguments)
+	Child Start(
+		std::vector<std::string> arguments, std::map<std::string, std::string> environment = {})
 	{
 		std::vector<std::string> words = {QUBO, "--add-ons", AddOns()};
 		words.insert(words.end(), arguments.begin(), arguments.end());
-		return Child(words,
-			{{"QUBO_AO", "null"}, {"ADD_ON_LOG", Path("log")}, {"HOME", fDir.Path()},
-				{"XDG_CONFIG_HOME", Path("config")}, {"XDG_RUNTIME_DIR", fDir.Path()}});
+		environment.insert({{"QUBO_AO", "null"}, {"ADD_ON_LOG", Path("log")}, {"HOME", fDir.Path()},
+			{"XDG_CONFIG_HOME", Path("config")}, {"XDG_RUNTIME_DIR", fDir.Path()}});
+		return Child(words, environment);
 	}
 
 	//! What the probe noted.
@@ -75,6 +79,21 @@ TEST_F(Program, RefusesWrongUse)
 	EXPECT_THAT(unknown.errors, HasSubstr("--loud"));
 	Child nothing = Start({"--headless"});
 	EXPECT_EQ(nothing.WaitForExit(), 2);
+}
+
+TEST_F(Program, SaysThatThereIsNoScreen)
+{
+	using Environment = std::map<std::string, std::string>;
+	for (Environment environment : {Environment{{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}},
+			 Environment{{"DISPLAY", ":54321"}, {"WAYLAND_DISPLAY", ""}},
+			 Environment{{"DISPLAY", ""}, {"WAYLAND_DISPLAY", "wayland-0"}},
+			 Environment{{"QT_QPA_PLATFORM", "wayland"}, {"WAYLAND_DISPLAY", "wayland-0"}}}) {
+		environment.insert({"QT_QPA_PLATFORM", ""});
+		Child child = Start({Wave("1.wav", 0.1)}, environment);
+		EXPECT_EQ(child.WaitForExit(), 3);
+		EXPECT_THAT(child.errors, HasSubstr("no screen"));
+		EXPECT_EQ(std::count(child.errors.begin(), child.errors.end(), '\n'), 1) << child.errors;
+	}
 }
 
 TEST_F(Program, PlaysToTheEnd)
@@ -206,6 +225,38 @@ TEST_F(Program, EndsInOrderWithinASecondOnASignal)
 		EXPECT_EQ(Log().back(), "count at the end 1");
 	}
 	EXPECT_LT(fastest, 1);
+}
+
+TEST_F(Program, EndsWellWheneverItIsAskedTo)
+{
+	std::filesystem::copy_file(ADD_ON, AddOns() + "/gen_TavoraD.so");
+	Wave("1.wav", 20);
+	Text("1.lrc", "[00:00.00]one\n[00:00.20]two\n[00:00.40]three\n");
+	int saved = 0;
+	std::mt19937 random(11);
+	std::vector<double> times;
+	for (int i = 0; i < 40; i++) {
+		Child child = Start({"--headless", Path("1.wav")});
+		usleep(random() % 400000);
+		const double before = Child::Now();
+		child.Kill(SIGTERM);
+		const int code = child.WaitForExit();
+		// before main() has set anything up a signal still ends it at once
+		EXPECT_TRUE(code == 0 || (code == 128 + SIGTERM && child.output.empty())) << code;
+		times.push_back(Child::Now() - before);
+		std::error_code none;
+		for (auto& entry : std::filesystem::recursive_directory_iterator(Path("config"), none)) {
+			BFile file(entry.path().c_str(), B_READ_ONLY);
+			BMessage archive;
+			if (entry.is_regular_file()) {
+				EXPECT_EQ(archive.Unflatten(&file), B_OK) << entry.path();
+				saved++;
+			}
+		}
+	}
+	EXPECT_GT(saved, 0);
+	std::sort(times.begin(), times.end());
+	EXPECT_LT(times[times.size() / 2], 1); // a busy machine may be slow, but not always
 }
 
 } // namespace

@@ -201,7 +201,7 @@ TEST_F(AddOnTest, QuitsAtAnyMomentOfASongChange)
 	LoadedAddOn addOn;
 	ASSERT_TRUE(addOn.IsLoaded());
 	uint32 random = 1;
-	for (int round = 0; round < 100; round++) {
+	for (int round = 0; round < 200; round++) {
 		GeneralPlugin* plugin = addOn.Make();
 		plugin->Init();
 		random = random * 1664525 + 1013904223;
