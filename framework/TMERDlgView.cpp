@@ -31,6 +31,8 @@ TMERDlgView::TMERDlgView(BRect frame, const char* name, uint32 resizingMode, uin
 	: TMERView(frame, name, resizingMode, flags)
 { }
 
+TMERDlgView::TMERDlgView(BMessage* archive) : TMERView(archive) { }
+
 TMERDlgView::~TMERDlgView() = default;
 
 void

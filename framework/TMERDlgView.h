@@ -18,6 +18,8 @@ class TLabelLayout;
 class TMERDlgView : public TMERView {
 public:
 	TMERDlgView(BRect frame, const char* name, uint32 resizingMode, uint32 flags);
+	//! From an archive, with the views in it.
+	explicit TMERDlgView(BMessage* archive);
 	~TMERDlgView() override;
 
 	void AllAttached() override;

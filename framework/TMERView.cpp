@@ -65,6 +65,8 @@ TMERView::TMERView(BRect frame, const char* name, uint32 resizingMode, uint32 fl
 	: BView(frame, name, resizingMode, flags)
 { }
 
+TMERView::TMERView(BMessage* archive) : BView(archive) { }
+
 TMERView::~TMERView() = default;
 
 void

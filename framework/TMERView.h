@@ -20,6 +20,8 @@ namespace merion {
 class TMERView : public BView {
 public:
 	TMERView(BRect frame, const char* name, uint32 resizingMode, uint32 flags);
+	//! From an archive, with the views in it.
+	explicit TMERView(BMessage* archive);
 	~TMERView() override;
 
 	void DetachedFromWindow() override;
