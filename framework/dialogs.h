@@ -1,0 +1,25 @@
+#pragma once
+
+#include <SupportDefs.h>
+
+//! Boxes with a message for the user, and web pages.
+namespace merion {
+
+/*!	Shows a box with one to three buttons (nullptr: no such button) and waits; the index of the button that the user has pressed.
+	Escape, and closing the box in any other way, answer as the last button does: the last one is the one that changes nothing.
+	`keys` (may be nullptr): a letter for each button, which presses it together with Command; a blank for none.
+	Thread: any but the display server's; the looper that it is called on handles no message meanwhile. Of no box
+	that could be shown, and while dismiss_alerts() holds, the answer is that of Escape at once. */
+int32 show_alert(const char* title, const char* text, const char* button1,
+	const char* button2 = nullptr, const char* button3 = nullptr, const char* keys = nullptr);
+
+/*!	Closes all boxes that are open, as by Escape, and lets no more open until allow_alerts(): for the end of the application,
+	whose loopers may be waiting in one. Thread: any that holds no lock of a looper that shows a box. */
+void dismiss_alerts();
+void allow_alerts();
+
+/*!	Opens a web page with the desktop's browser. When that fails, a box with `title` says `failureText` and the address, and the answer is the
+	error. Thread: as show_alert(). */
+status_t show_url(const char* url, const char* title, const char* failureText);
+
+} // namespace merion
