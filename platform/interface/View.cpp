@@ -121,6 +121,7 @@ BView::Show()
 	if (fData->hideLevel-- != 1)
 		return;
 	fData->PlaceProxies();
+	fData->PlaceAncestors();
 	fData->Invalidate(fData->VisibleRect());
 }
 
@@ -129,8 +130,10 @@ BView::Hide()
 {
 	if (fData->hideLevel == 0)
 		fData->Invalidate(fData->VisibleRect());
-	if (fData->hideLevel++ == 0)
+	if (fData->hideLevel++ == 0) {
 		fData->PlaceProxies();
+		fData->PlaceAncestors();
+	}
 }
 
 bool

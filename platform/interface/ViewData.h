@@ -95,6 +95,8 @@ struct ViewData {
 	void SetFrame(BRect newFrame);
 	void FollowParent(BRect oldParent, BRect newParent);
 	void PlaceProxies();
+	//! The real widgets that the view lies in leave it free.
+	void PlaceAncestors();
 	//! Calls FrameMoved() and FrameResized() for what changed since the last time.
 	void TellFrame();
 
@@ -110,6 +112,9 @@ private:
 	void ReadColors(const BMessage& archive);
 	void ReadFont(const BMessage& archive);
 	void SetWindow(BWindow* newWindow);
+	void PlaceProxy();
+	void OrderFocus();
+	void CollectProxies(std::vector<int64>& ids) const;
 	void CallAttached();
 	void CallDetached();
 	void SubtractChildren(QRegion& region) const;

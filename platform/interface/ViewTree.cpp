@@ -56,6 +56,7 @@ ViewData::RemoveChild(BView* child)
 		data.Detach();
 	}
 	children.erase(std::find(children.begin(), children.end(), child));
+	data.PlaceAncestors();
 	data.parent = NULL;
 	return true;
 }
@@ -64,7 +65,9 @@ void
 ViewData::AttachTo(BWindow* newWindow)
 {
 	SetWindow(newWindow);
+	OrderFocus();
 	PlaceProxies();
+	PlaceAncestors();
 	Invalidate(VisibleRect());
 	CallAttached();
 }
@@ -224,6 +227,7 @@ ViewData::SetFrame(BRect newFrame)
 	}
 	Invalidate(VisibleRect());
 	PlaceProxies();
+	PlaceAncestors();
 	PostFrameEvent(moved, resized);
 }
 
@@ -289,12 +293,56 @@ ViewData::PlaceProxies()
 {
 	if (window == NULL || WindowData::Of(window).offscreen)
 		return;
-	if (proxy) {
-		QRect place = to_qrect(Bounds().OffsetToCopy(Origin() + scroll));
-		proxy->Place(place, IsVisible() ? VisibleRect() : QRect());
-	}
+	PlaceProxy();
 	for (BView* child : children)
 		Of(child).PlaceProxies();
+}
+
+//! Children that are drawn are drawn beneath the widget: it has a hole for each.
+void
+ViewData::PlaceProxy()
+{
+	if (!proxy)
+		return;
+	QRegion visible;
+	if (IsVisible()) {
+		visible = VisibleRect();
+		SubtractChildren(visible);
+	}
+	proxy->Place(to_qrect(Bounds().OffsetToCopy(Origin() + scroll)), visible);
+}
+
+void
+ViewData::PlaceAncestors()
+{
+	for (BView* above = parent; above != NULL; above = Of(above).parent) {
+		ViewData& data = Of(above);
+		if (data.window != NULL && !WindowData::Of(data.window).offscreen)
+			data.PlaceProxy();
+	}
+}
+
+void
+ViewData::CollectProxies(std::vector<int64>& ids) const
+{
+	if (proxy)
+		ids.push_back(proxy->Id());
+	for (BView* child : children)
+		Of(child).CollectProxies(ids);
+}
+
+//! The toolkit puts what is new behind all the others; the platform's order is that of the tree.
+void
+ViewData::OrderFocus()
+{
+	std::vector<int64> added;
+	CollectProxies(added);
+	if (added.empty() || WindowData::Of(window).offscreen)
+		return;
+	std::vector<int64> all;
+	Of(WindowData::Of(window).root).CollectProxies(all);
+	if (all.back() != added.back())
+		WidgetProxy::SetFocusOrder(all);
 }
 
 void

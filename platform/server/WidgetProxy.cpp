@@ -30,9 +30,9 @@ ProxySink::SetTarget(std::shared_ptr<EventPort> port, const BMessenger& target)
 }
 
 bool
-ProxySink::eventFilter(QObject* object, QEvent* event)
+ProxySink::eventFilter(QObject*, QEvent* event)
 {
-	if (object == parent() && event->type() == QEvent::FocusIn)
+	if (event->type() == QEvent::FocusIn)
 		Send(BMessage(kProxyFocus));
 	return false;
 }
@@ -107,7 +107,7 @@ WidgetProxy::Detach()
 }
 
 void
-WidgetProxy::Place(QRect frame, QRect visible)
+WidgetProxy::Place(QRect frame, const QRegion& visible)
 {
 	if (fPlaced && frame == fFrame && visible == fVisible)
 		return;
@@ -120,11 +120,27 @@ WidgetProxy::Place(QRect frame, QRect visible)
 			return;
 		if (widget->geometry() != frame)
 			widget->setGeometry(frame);
-		if (visible == frame)
+		if (visible == QRegion(frame))
 			widget->clearMask();
 		else
 			widget->setMask(visible.translated(-frame.topLeft()));
 		widget->setVisible(!visible.isEmpty());
+	});
+}
+
+void
+WidgetProxy::SetFocusOrder(const std::vector<int64>& ids)
+{
+	ServerLink::Default().Post([ids] {
+		QWidget* before = nullptr;
+		for (int64 id : ids) {
+			QWidget* widget = Registry::Default().Find(id);
+			if (widget == nullptr || widget->parentWidget() == nullptr)
+				continue;
+			if (before != nullptr && before->window() == widget->window())
+				QWidget::setTabOrder(before, widget);
+			before = widget;
+		}
 	});
 }
 

@@ -5,11 +5,12 @@
 #include "server/ServerLink.h"
 
 #include <Font.h>
-#include <QRect>
+#include <QRegion>
 #include <QSignalBlocker>
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class BView;
 
@@ -26,6 +27,8 @@ public:
 	void Send(BMessage event);
 	void SetTarget(std::shared_ptr<EventPort> port, const BMessenger& target);
 	void SetSerial(int64 serial) { fSerial = serial; }
+	//! The part of its widget that has the focus for it.
+	void WatchFocus(QWidget* part) { part->installEventFilter(this); }
 	bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
@@ -109,7 +112,9 @@ public:
 	void Attach(int64 window, const BMessenger& view);
 	void Detach();
 	//! In the window's coordinates; only `visible` of it is shown.
-	void Place(QRect frame, QRect visible);
+	void Place(QRect frame, const QRegion& visible);
+	//! The focus goes through them in that order, with the Tab key.
+	static void SetFocusOrder(const std::vector<int64>& ids);
 	void SetFocus(bool focus);
 	void SetFont(const BFont& font);
 	void HandleEvent(BMessage* event);
@@ -121,7 +126,7 @@ private:
 	int64 fSerial = 0;
 	EventHook fOnEvent;
 	QRect fFrame;
-	QRect fVisible;
+	QRegion fVisible;
 	bool fPlaced = false;
 };
 
