@@ -1,0 +1,56 @@
+#pragma once
+
+#include <InterfaceDefs.h>
+#include <Window.h>
+#include <memory>
+
+class BButton;
+class BInvoker;
+
+//! Which sign stands beside an alert's text.
+enum alert_type { B_EMPTY_ALERT, B_INFO_ALERT, B_IDEA_ALERT, B_WARNING_ALERT, B_STOP_ALERT };
+
+namespace BPrivate {
+struct AlertAnswer;
+}
+
+/*!	A box with a text and up to three buttons, the last of which Enter presses. It stands in the middle of the screen.
+	Owner: itself from Go() on, which ends when it is answered. Thread: made by any; then as every window. */
+class BAlert : public BWindow {
+public:
+	//! NULL for a button: there is no such one. `button1` must be there.
+	BAlert(const char* title, const char* text, const char* button1, const char* button2 = NULL,
+		const char* button3 = NULL, button_width width = B_WIDTH_AS_USUAL,
+		alert_type type = B_INFO_ALERT);
+	~BAlert() override;
+
+	void MessageReceived(BMessage* message) override;
+	void DispatchMessage(BMessage* message, BHandler* target) override;
+
+	//! A key, as a byte, that presses the button, whatever has the focus; 0 for none. Out of range: nothing.
+	void SetShortcut(int32 index, char key);
+	char Shortcut(int32 index) const;
+
+	/*!	Shows it and waits for the button that is pressed: its index, from 0, or -1 when the box is closed or quit, or the server has gone.
+		Called by a window's looper, the window goes on drawing; messages wait. */
+	int32 Go();
+	/*!	Shows it and returns at once. When a button is pressed, the invoker's message is sent with "which" (int32, its index); a box that is
+		closed sends nothing. NULL: nobody is told. The invoker must stay until then. */
+	status_t Go(BInvoker* invoker);
+
+	//! NULL when out of range.
+	BButton* ButtonAt(int32 index) const;
+	int32 CountButtons() const;
+
+private:
+	static const int32 kMaxButtons = 3;
+
+	float AddButtons(const char* const labels[], button_width width);
+	void LayOut(BView* sign, BView* text, float buttonsWidth);
+	void ButtonPressed(int32 index);
+
+	BButton* fButtons[kMaxButtons] = {};
+	char fKeys[kMaxButtons] = {};
+	BInvoker* fInvoker = nullptr;
+	std::shared_ptr<BPrivate::AlertAnswer> fAnswer;
+};
