@@ -1,6 +1,7 @@
 #include "interface/ViewData.h"
 #include "interface/WidgetText.h"
 #include "server/ServerBox.h"
+#include "support/ArchiveFields.h"
 
 #include <Box.h>
 #include <Debug.h>
@@ -20,6 +21,48 @@ BBox::BBox(BRect frame, const char* name, uint32 resizingMode, uint32 flags, bor
 	  fStyle(border)
 {
 	Init();
+}
+
+//! Once it was told whether the border is the fancy one.
+static border_style
+archived_style(const BMessage& archive)
+{
+	bool fancy;
+	if (archive.FindBool("_style", &fancy) == B_OK)
+		return fancy ? B_FANCY_BORDER : B_PLAIN_BORDER;
+	return border_style(archived_choice(archive, "_style", B_NO_BORDER, B_FANCY_BORDER));
+}
+
+BBox::BBox(BMessage* data)
+	: BView(data),
+	  fLabel(NULL),
+	  fLabelView(NULL),
+	  fStyle(archived_style(archive_or_empty(data)))
+{
+	const BMessage& archive = archive_or_empty(data);
+	Init();
+	if (archive.HasString("_label"))
+		SetLabel(archive.GetString("_label"));
+	else if (archive.GetBool("_lblview", false))
+		fLabelView = ChildAt(0);
+	ShowLabel();
+}
+
+BArchivable*
+BBox::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BBox") ? new BBox(data) : NULL;
+}
+
+status_t
+BBox::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BView::Archive(data, deep));
+	writer.String("_label", fLabel);
+	writer.True("_lblview", fLabelView != NULL);
+	if (fStyle != B_FANCY_BORDER)
+		writer.Int32("_style", fStyle);
+	return writer.Status();
 }
 
 BBox::~BBox()

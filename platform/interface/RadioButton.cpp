@@ -14,6 +14,25 @@ BRadioButton::BRadioButton(BRect frame, const char* name, const char* label, BMe
 	Init();
 }
 
+BRadioButton::BRadioButton(BMessage* data) : BControl(data)
+{
+	Init();
+	SetValue(Value());
+	SetEnabled(IsEnabled());
+}
+
+BArchivable*
+BRadioButton::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BRadioButton") ? new BRadioButton(data) : NULL;
+}
+
+status_t
+BRadioButton::Archive(BMessage* data, bool deep) const
+{
+	return BControl::Archive(data, deep);
+}
+
 void
 BRadioButton::Init()
 {

@@ -10,7 +10,11 @@ public:
 	explicit BBox(BRect frame, const char* name = NULL, uint32 resizingMode = B_FOLLOW_LEFT_TOP,
 		uint32 flags = B_WILL_DRAW | B_FRAME_EVENTS | B_NAVIGABLE_JUMP,
 		border_style border = B_FANCY_BORDER);
+	explicit BBox(BMessage* data);
 	~BBox() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	//! What the label, and the children as they lie, need.
 	void GetPreferredSize(float* width, float* height) override;

@@ -8,6 +8,10 @@ class BRadioButton : public BControl {
 public:
 	BRadioButton(BRect frame, const char* name, const char* label, BMessage* message,
 		uint32 resizingMode = B_FOLLOW_LEFT_TOP, uint32 flags = B_WILL_DRAW | B_NAVIGABLE);
+	explicit BRadioButton(BMessage* data);
+
+	static BArchivable* Instantiate(BMessage* data);
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void AttachedToWindow() override;
 	void GetPreferredSize(float* width, float* height) override;

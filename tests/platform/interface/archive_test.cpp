@@ -1,5 +1,6 @@
 #include "support/display.h"
 
+#include <Box.h>
 #include <Button.h>
 #include <CheckBox.h>
 #include <DataIO.h>
@@ -9,6 +10,7 @@
 #include <PopUpMenu.h>
 #include <QLabel>
 #include <QPushButton>
+#include <RadioButton.h>
 #include <StringView.h>
 #include <cmath>
 #include <functional>
@@ -104,8 +106,14 @@ dialog()
 	menu->ItemAt(0)->SetEnabled(false);
 	bar->AddItem(menu);
 	dialog->AddChild(bar);
-	auto* group = new BView(BRect(5, 30, 200, 200), nullptr, B_FOLLOW_LEFT_RIGHT, 0);
+	auto* group = new BBox(BRect(5, 30, 200, 200), nullptr, B_FOLLOW_LEFT_RIGHT, 0, B_PLAIN_BORDER);
+	group->SetLabel(new BCheckBox(kFrame, "Title", "Use it", nullptr));
 	dialog->AddChild(group);
+	for (int32 value : {B_CONTROL_OFF, B_CONTROL_ON}) {
+		auto* radio = new BRadioButton(kFrame, "Radio", "One of them", new BMessage('rdio'));
+		group->AddChild(radio);
+		radio->SetValue(value);
+	}
 	BFont font;
 	font.SetFamilyAndStyle("Haru", "Bold");
 	font.SetSize(17.5);
@@ -183,6 +191,15 @@ TEST(Archive, HasThePlatformsFields)
 		head("BCheckBox") + kPlain + kDeep
 			+ "_msg MSGG 68 bytes\n_label CSTR label\n_val LONG 1\n_disable BOOL true\n");
 
+	BBox frame(kFrame, "a", B_FOLLOW_LEFT_TOP, B_WILL_DRAW, B_NO_BORDER);
+	frame.SetLabel("words");
+	BMessage boxArchive = archive_of(frame);
+	EXPECT_EQ(fields_of(boxArchive),
+		head("BBox") + kPlain + kDeep + "_label CSTR words\n_style LONG 2\n");
+	boxArchive.RemoveName("_style");
+	boxArchive.AddBool("_style", false);
+	EXPECT_EQ(BBox(&boxArchive).Border(), B_PLAIN_BORDER);
+
 	BButton button(kFrame, "a", nullptr, nullptr, B_FOLLOW_LEFT_TOP, B_WILL_DRAW);
 	EXPECT_EQ(fields_of(archive_of(button)), head("BButton") + kPlain + kDeep);
 	button.MakeDefault(true);
@@ -232,7 +249,7 @@ TEST(Archive, DialogIsBuiltAgainFromBothForms)
 	int32 count;
 	type_code type;
 	ASSERT_EQ(read.GetInfo("_managed_archivable", &type, &count), B_OK);
-	EXPECT_EQ(count, 5); // the menus are in the bar's own archive
+	EXPECT_EQ(count, 8); // the menus are in the bar's own archive
 
 	for (const BMessage& form : {read, nested_form(read, read)}) {
 		const std::unique_ptr<BView> copy = built<BView>(form);
@@ -241,6 +258,9 @@ TEST(Archive, DialogIsBuiltAgainFromBothForms)
 		auto* box = dynamic_cast<BCheckBox*>(copy->FindView("CBox"));
 		ASSERT_NE(box, nullptr);
 		EXPECT_STREQ(box->Message()->GetString("what", ""), "歌詞");
+		auto* group = dynamic_cast<BBox*>(box->Parent());
+		ASSERT_NE(group, nullptr);
+		EXPECT_EQ(group->LabelView(), copy->FindView("Title"));
 		BFont font;
 		box->GetFont(&font);
 		EXPECT_EQ(font.Size(), 17.5);
