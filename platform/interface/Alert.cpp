@@ -227,11 +227,9 @@ BAlert::Go()
 	const std::shared_ptr<AlertAnswer> answer = fAnswer;
 	BWindow* waiting = dynamic_cast<BWindow*>(BLooper::LooperForThread(find_thread(NULL)));
 	Show();
-	while (
-		acquire_sem_etc(answer->isThere, 1, B_RELATIVE_TIMEOUT, kUpdateInterval) == B_TIMED_OUT) {
-		if (waiting != NULL)
-			waiting->UpdateIfNeeded();
-	}
+	const bigtime_t interval = waiting != NULL ? kUpdateInterval : B_INFINITE_TIMEOUT;
+	while (acquire_sem_etc(answer->isThere, 1, B_RELATIVE_TIMEOUT, interval) == B_TIMED_OUT)
+		waiting->UpdateIfNeeded();
 	return answer->which;
 }
 
