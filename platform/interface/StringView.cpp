@@ -131,14 +131,8 @@ void
 BStringView::SetAlignment(alignment flag)
 {
 	fAlignment = flag;
-	Qt::Alignment side = Qt::AlignLeft;
-	if (flag == B_ALIGN_RIGHT)
-		side = Qt::AlignRight;
-	else if (flag == B_ALIGN_CENTER)
-		side = Qt::AlignHCenter;
-	// absolute: left is left in every language
-	ViewData::Of(this).proxy->Adjust<ServerLabel>([side](ServerLabel& label) {
-		label.setAlignment(side | Qt::AlignAbsolute | Qt::AlignVCenter);
+	ViewData::Of(this).proxy->Adjust<ServerLabel>([side = to_side(flag)](ServerLabel& label) {
+		label.setAlignment(side | Qt::AlignVCenter);
 	});
 }
 

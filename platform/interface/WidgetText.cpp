@@ -10,6 +10,14 @@ widget_text(const char* label)
 	return QString::fromUtf8(label).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
+Qt::Alignment
+to_side(alignment flag)
+{
+	if (flag == B_ALIGN_RIGHT)
+		return Qt::AlignRight | Qt::AlignAbsolute;
+	return (flag == B_ALIGN_CENTER ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignAbsolute;
+}
+
 void
 preferred_size(const BView& view, float* width, float* height)
 {

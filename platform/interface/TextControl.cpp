@@ -1,0 +1,204 @@
+#include "interface/FieldLabel.h"
+#include "interface/TextInput.h"
+#include "interface/ViewData.h"
+
+#include <Message.h>
+#include <TextControl.h>
+#include <algorithm>
+#include <math.h>
+
+using namespace BPrivate;
+
+_BTextInput_::_BTextInput_(BRect frame)
+	: BTextView(frame, "_input_", B_FOLLOW_ALL, B_WILL_DRAW | B_NAVIGABLE)
+{ }
+
+void
+_BTextInput_::SetEnabled(bool enabled)
+{
+	ViewData::Of(this).proxy->Adjust<QWidget>(
+		[enabled](QWidget& widget) { widget.setEnabled(enabled); });
+}
+
+BTextControl*
+_BTextInput_::Control() const
+{
+	return dynamic_cast<BTextControl*>(Parent());
+}
+
+void
+_BTextInput_::UserEdited()
+{
+	if (BTextControl* control = Control())
+		control->Modified();
+}
+
+void
+_BTextInput_::UserEntered()
+{
+	SelectAll();
+	if (BTextControl* control = Control())
+		control->Commit();
+}
+
+void
+_BTextInput_::UserLeft()
+{
+	if (BTextControl* control = Control())
+		control->Commit();
+}
+
+BTextControl::BTextControl(BRect frame, const char* name, const char* label,
+	const char* initialText, BMessage* message, uint32 resizingMode, uint32 flags)
+	: BControl(frame, name, label, message, resizingMode, flags),
+	  fModification(NULL),
+	  fLabelAlignment(B_ALIGN_LEFT),
+	  fDivider(label != NULL && *label != 0 ? floorf(frame.Width() / 2) : 0)
+{
+	Init(initialText);
+}
+
+BTextControl::~BTextControl()
+{
+	delete fModification;
+}
+
+void
+BTextControl::Init(const char* initialText)
+{
+	FieldLabel::Init(*this);
+	fText = new _BTextInput_(Bounds());
+	AddChild(fText);
+	SetDivider(fDivider);
+	SetLabel(Label());
+	SetText(initialText);
+}
+
+//! Whoever is told may well be there still.
+void
+BTextControl::DetachedFromWindow()
+{
+	Commit();
+	BControl::DetachedFromWindow();
+}
+
+void
+BTextControl::MakeFocus(bool focus)
+{
+	fText->MakeFocus(focus);
+}
+
+void
+BTextControl::GetPreferredSize(float* width, float* height)
+{
+	FieldLabel::GetPreferredSize(*this, *fText, Label(), width, height);
+	if (width != NULL && FieldLabel::Width(*this, Label()) == 0)
+		*width = std::max(*width, Bounds().Width());
+}
+
+void
+BTextControl::ResizeToPreferred()
+{
+	BControl::ResizeToPreferred();
+	SetDivider(FieldLabel::Width(*this, Label()));
+}
+
+void
+BTextControl::SetLabel(const char* label)
+{
+	BControl::SetLabel(label);
+	FieldLabel::SetLabel(*this, *fText, Label());
+}
+
+void
+BTextControl::SetEnabled(bool enabled)
+{
+	BControl::SetEnabled(enabled);
+	fText->SetEnabled(enabled);
+}
+
+void
+BTextControl::SetText(const char* text)
+{
+	fText->SetText(text);
+	fCommitted = fText->Text();
+}
+
+const char*
+BTextControl::Text() const
+{
+	return fText->Text();
+}
+
+int32
+BTextControl::TextLength() const
+{
+	return fText->TextLength();
+}
+
+void
+BTextControl::SetModificationMessage(BMessage* message)
+{
+	if (message != fModification)
+		delete fModification;
+	fModification = message;
+}
+
+BMessage*
+BTextControl::ModificationMessage() const
+{
+	return fModification;
+}
+
+void
+BTextControl::SetAlignment(alignment forLabel, alignment forText)
+{
+	fLabelAlignment = forLabel;
+	FieldLabel::SetAlignment(*this, forLabel);
+	fText->SetAlignment(forText);
+}
+
+void
+BTextControl::GetAlignment(alignment* forLabel, alignment* forText) const
+{
+	if (forLabel != NULL)
+		*forLabel = fLabelAlignment;
+	if (forText != NULL)
+		*forText = fText->Alignment();
+}
+
+void
+BTextControl::SetDivider(float divider)
+{
+	fDivider = roundf(divider);
+	FieldLabel::Place(*this, *fText, fDivider);
+}
+
+float
+BTextControl::Divider() const
+{
+	return fDivider;
+}
+
+BTextView*
+BTextControl::TextView() const
+{
+	return fText;
+}
+
+void
+BTextControl::Modified()
+{
+	if (fModification != NULL)
+		InvokeNotify(fModification, B_CONTROL_MODIFIED);
+}
+
+//! Once for each text.
+void
+BTextControl::Commit()
+{
+	if (fCommitted == fText->Text())
+		return;
+	fCommitted = fText->Text();
+	Invoke();
+}

@@ -1,0 +1,310 @@
+#include "interface/ViewData.h"
+#include "interface/WidgetText.h"
+#include "server/ServerText.h"
+
+#include <Message.h>
+#include <TextView.h>
+#include <algorithm>
+#include <string.h>
+
+using namespace BPrivate;
+
+//! Tells the widget, of whichever kind it is.
+template<typename Function>
+static void
+adjust_text(const BView* view, Function change)
+{
+	ViewData::Of(view).proxy->Adjust<QWidget>(
+		[change](QWidget& widget) { change(ServerText::Of(widget)); });
+}
+
+BTextView::BTextView(
+	BRect frame, const char* name, BRect textRect, uint32 resizingMode, uint32 flags)
+	: BView(frame, name, resizingMode, flags),
+	  fIsLine(false)
+{
+	Init();
+	BTextView::SetInsets(std::max(textRect.left, 0.0f), std::max(textRect.top, 0.0f), 0, 0);
+}
+
+BTextView::BTextView(BRect frame, const char* name, uint32 resizingMode, uint32 flags)
+	: BView(frame, name, resizingMode, flags),
+	  fIsLine(true)
+{
+	Init();
+}
+
+template<typename Widget>
+static WidgetProxy::Maker
+maker_of(const char* name)
+{
+	return WidgetProxy::MakerOf<Widget>(
+		[spoken = QString::fromUtf8(name)](Widget* widget, ProxySink* sink) {
+			widget->SetSink(sink);
+			widget->setAccessibleName(spoken);
+		});
+}
+
+void
+BTextView::Init()
+{
+	fMaxBytes = INT32_MAX;
+	fAlignment = B_ALIGN_LEFT;
+	fEditable = true;
+	fSelectable = true;
+	fWrap = true;
+	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
+		fIsLine ? maker_of<ServerTextLine>(Name()) : maker_of<ServerTextArea>(Name()),
+		[this](BMessage* event) { UserActed(event); }));
+}
+
+void
+BTextView::GetPreferredSize(float* width, float* height)
+{
+	preferred_size(*this, width, height);
+}
+
+static QColor
+to_qcolor(rgb_color color)
+{
+	return QColor(color.red, color.green, color.blue);
+}
+
+void
+BTextView::SetViewColor(rgb_color color)
+{
+	BView::SetViewColor(color);
+	adjust_text(this,
+		[color = to_qcolor(color)](ServerText& text) { text.SetColor(QPalette::Base, color); });
+}
+
+void
+BTextView::SetHighColor(rgb_color color)
+{
+	BView::SetHighColor(color);
+	adjust_text(this,
+		[color = to_qcolor(color)](ServerText& text) { text.SetColor(QPalette::Text, color); });
+}
+
+void
+BTextView::SetText(const char* text)
+{
+	SetText(text, text != NULL ? strlen(text) : 0);
+}
+
+//! The start of the character that the byte belongs to.
+static size_t
+character_start(const std::string& text, size_t offset)
+{
+	while (offset > 0 && offset < text.size() && (text[offset] & 0xc0) == 0x80)
+		offset--;
+	return std::min(offset, text.size());
+}
+
+void
+BTextView::SetText(const char* text, int32 length)
+{
+	fText = text != NULL ? std::string(text, strnlen(text, std::max(length, 0))) : std::string();
+	if (fText.size() > static_cast<size_t>(fMaxBytes))
+		fText.resize(character_start(fText, fMaxBytes));
+	ViewData::Of(this).proxy->Set<QWidget>([shown = QString::fromUtf8(fText)](QWidget& widget) {
+		ServerText::Of(widget).ShowText(shown);
+	});
+}
+
+const char*
+BTextView::Text() const
+{
+	return fText.c_str();
+}
+
+int32
+BTextView::TextLength() const
+{
+	return fText.size();
+}
+
+void
+BTextView::GetText(int32 offset, int32 length, char* buffer) const
+{
+	if (buffer == NULL)
+		return;
+	const bool isInside = offset >= 0 && offset < TextLength() && length > 0;
+	const size_t count = isInside ? fText.copy(buffer, length, offset) : 0;
+	buffer[count] = 0;
+}
+
+uchar
+BTextView::ByteAt(int32 offset) const
+{
+	return offset >= 0 && offset < TextLength() ? fText[offset] : 0;
+}
+
+void
+BTextView::MakeEditable(bool editable)
+{
+	fEditable = editable;
+	ShowMode();
+}
+
+bool
+BTextView::IsEditable() const
+{
+	return fEditable;
+}
+
+void
+BTextView::MakeSelectable(bool selectable)
+{
+	fSelectable = selectable;
+	ShowMode();
+}
+
+bool
+BTextView::IsSelectable() const
+{
+	return fSelectable;
+}
+
+void
+BTextView::ShowMode()
+{
+	adjust_text(this, [editable = fEditable, selectable = fSelectable](ServerText& text) {
+		text.SetMode(editable, selectable);
+	});
+}
+
+void
+BTextView::SetWordWrap(bool wrap)
+{
+	fWrap = wrap;
+	adjust_text(this, [wrap](ServerText& text) { text.SetWrap(wrap); });
+}
+
+bool
+BTextView::DoesWordWrap() const
+{
+	return fWrap;
+}
+
+void
+BTextView::SetAlignment(alignment flag)
+{
+	fAlignment = flag;
+	adjust_text(this, [side = to_side(flag)](ServerText& text) { text.SetSide(side); });
+}
+
+alignment
+BTextView::Alignment() const
+{
+	return fAlignment;
+}
+
+void
+BTextView::SetInsets(float left, float top, float right, float bottom)
+{
+	const QMargins margins(left, top, right, bottom);
+	adjust_text(this, [margins](ServerText& text) { text.SetMargins(margins); });
+}
+
+void
+BTextView::SetMaxBytes(int32 max)
+{
+	fMaxBytes = std::max(max, 0);
+	if (TextLength() > fMaxBytes)
+		SetText(std::string(fText).c_str());
+	ShowRules();
+}
+
+int32
+BTextView::MaxBytes() const
+{
+	return fMaxBytes;
+}
+
+void
+BTextView::DisallowChar(uint32 character)
+{
+	if (fDisallowed.find(character) == std::u32string::npos)
+		fDisallowed += character;
+	ShowRules();
+}
+
+void
+BTextView::AllowChar(uint32 character)
+{
+	std::erase(fDisallowed, character);
+	ShowRules();
+}
+
+void
+BTextView::ShowRules()
+{
+	adjust_text(this,
+		[rules = TextRules{fDisallowed, fMaxBytes}](ServerText& text) { text.SetRules(rules); });
+}
+
+// The selection
+
+void
+BTextView::Select(int32 start, int32 end)
+{
+	if (start < 0 || start > end)
+		return;
+	const int from = character_start(fText, start);
+	const int to = character_start(fText, end);
+	adjust_text(this, [=](ServerText& text) { text.SelectBytes({from, to}); });
+}
+
+void
+BTextView::SelectAll()
+{
+	Select(0, TextLength());
+}
+
+void
+BTextView::GetSelection(int32* start, int32* end) const
+{
+	const auto selected = ViewData::Of(this).proxy->Ask<QWidget>(
+		[](QWidget& widget) { return ServerText::Of(widget).SelectedBytes(); });
+	// the user may have typed what is not known here yet
+	const int32 length = TextLength();
+	if (start != NULL)
+		*start = selected ? std::min(selected->from, length) : 0;
+	if (end != NULL)
+		*end = selected ? std::min(selected->to, length) : 0;
+}
+
+void
+BTextView::ScrollToSelection()
+{
+	adjust_text(this, [](ServerText& text) { text.ScrollToSelection(); });
+}
+
+// The user
+
+void
+BTextView::UserActed(BMessage* event)
+{
+	const char* text;
+	if (event->FindString("text", &text) == B_OK) {
+		fText = text;
+		UserEdited();
+	}
+	if (event->GetBool("entered", false))
+		UserEntered();
+	if (event->GetBool("left", false))
+		UserLeft();
+}
+
+void
+BTextView::UserEdited()
+{ }
+
+void
+BTextView::UserEntered()
+{ }
+
+void
+BTextView::UserLeft()
+{ }

@@ -1,0 +1,33 @@
+#include "server/ServerFieldLabel.h"
+
+#include <QPainter>
+#include <QStyle>
+
+namespace BPrivate {
+
+static constexpr int kGap = 4; // at least, between the label and what it labels
+
+ServerFieldLabel::ServerFieldLabel()
+{
+	setTextFormat(Qt::PlainText);
+	setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void
+ServerFieldLabel::SetDivider(int divider)
+{
+	fDivider = divider;
+	update();
+}
+
+void
+ServerFieldLabel::paintEvent(QPaintEvent*)
+{
+	QPainter painter(this);
+	const QRect room(0, 0, qMax(0, fDivider - kGap), height());
+	const QString fitting = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+	style()->drawItemText(&painter, room, alignment() | Qt::TextSingleLine, palette(), isEnabled(),
+		fitting, foregroundRole());
+}
+
+} // namespace BPrivate

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QLabel>
+
+namespace BPrivate {
+
+/*!	The label of a text control or menu field, at the left of what it labels. The pointer is the
+	affair of what lies beneath. Server thread only. */
+class ServerFieldLabel : public QLabel {
+public:
+	ServerFieldLabel();
+
+	//! Where the labelled part begins.
+	void SetDivider(int divider);
+
+protected:
+	void paintEvent(QPaintEvent* event) override;
+
+private:
+	int fDivider = 0;
+};
+
+} // namespace BPrivate
