@@ -94,8 +94,13 @@ void
 BMenuBar::ShowChanges()
 {
 	fChangesPosted = false;
-	ViewData::Of(this).proxy->Adjust<QMenuBar>(
-		[model = MenuAccess::ModelOf(*this)](QMenuBar& bar) { show_menu(bar, model); });
+	ShowModel(MenuAccess::ModelOf(*this));
+}
+
+void
+BMenuBar::ShowModel(const MenuModel& model)
+{
+	ViewData::Of(this).proxy->Adjust<QMenuBar>([model](QMenuBar& bar) { show_menu(bar, model); });
 }
 
 void

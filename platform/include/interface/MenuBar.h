@@ -2,6 +2,10 @@
 
 #include <Menu.h>
 
+namespace BPrivate {
+struct MenuModel;
+}
+
 /*!	A row of menus at the top of a window. It takes the shortcuts of its items.
 	Thread: with the window's lock. What is changed is shown some time later, all that one message changed at once. */
 class BMenuBar : public BMenu {
@@ -19,10 +23,13 @@ public:
 	void MessageReceived(BMessage* message) override;
 	void GetPreferredSize(float* width, float* height) override;
 
+protected:
+	void ShowChanges();
+
 private:
 	void Init();
 	void TreeChanged() override;
-	void ShowChanges();
+	virtual void ShowModel(const BPrivate::MenuModel& model);
 	void ItemChosen(BMessage* event);
 
 	bool fChangesPosted;

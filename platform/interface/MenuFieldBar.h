@@ -1,0 +1,16 @@
+#pragma once
+
+#include <MenuBar.h>
+
+//! The bar of a menu field, shown as a button; archived by this name. Its one item has the menu.
+class _BMCMenuBar_ : public BMenuBar {
+public:
+	explicit _BMCMenuBar_(BRect frame);
+
+	//! Before it comes into a window.
+	void Refresh() { ShowChanges(); }
+
+private:
+	void Init();
+	void ShowModel(const BPrivate::MenuModel& model) override;
+};
