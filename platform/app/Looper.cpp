@@ -137,7 +137,8 @@ BLooper::PostMessage(BMessage* message, BHandler* handler, BHandler* replyTo)
 	const BMessenger reply(replyTo);
 	std::unique_ptr<BMessage> copy = MessageAccess::CopyForDelivery(*message,
 		handler != NULL ? MessengerAccess::TokenOf(handler) : int32(kPreferredToken), reply);
-	const status_t error = fPort->Post(copy, 0);
+	const std::shared_ptr<MessagePort> port = fPort; // the message may be what ends this looper
+	const status_t error = port->Post(copy, 0);
 	if (error != B_OK)
 		MessageAccess::Disown(*copy);
 	else if (MessengerAccess::Port(reply) < 0)
@@ -402,7 +403,8 @@ BLooper::Quit()
 	// What was posted before is dispatched first.
 	const thread_id thread = fThread;
 	const std::shared_ptr<LooperLock> lock = fLock;
-	fPort->PostQuit();
+	const std::shared_ptr<MessagePort> port = fPort;
+	port->PostQuit();
 	while (lock->IsHeldByCaller())
 		lock->Unlock();
 	wait_for_thread(thread, NULL);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <shared_mutex>
 #include <unordered_map>
+#include <utility>
 
 namespace BPrivate {
 
@@ -55,12 +56,15 @@ MessagePort::MessagePort(int32 id, int32 capacity)
 
 MessagePort::~MessagePort() = default;
 
-//! With the lock held, after something was added.
+/*	After something was added. Woken without the lock, the reader need not wait for it at once; so the caller must own a share of
+	the port: the message may be the reader's last. */
 void
-MessagePort::Arrived()
+MessagePort::Arrived(std::unique_lock<std::mutex>& lock)
 {
 	fCount.store(int32(fArrivals.size()), std::memory_order_relaxed);
-	if (fWaiting)
+	const bool wake = std::exchange(fWaiting, false);
+	lock.unlock();
+	if (wake)
 		fArrival.notify_one();
 }
 
@@ -78,7 +82,7 @@ MessagePort::Post(std::unique_ptr<BMessage>& message, bigtime_t timeout)
 	if (fClosed)
 		return B_BAD_PORT_ID;
 	fArrivals.push_back(std::move(message));
-	Arrived();
+	Arrived(lock);
 	return B_OK;
 }
 
@@ -86,7 +90,7 @@ void
 MessagePort::PostEvent(BMessage&& message, int32 target, bool coalesce)
 {
 	std::unique_ptr<BMessage> copy = MessageAccess::CopyForDelivery(message, target, BMessenger());
-	std::lock_guard lock(fLock);
+	std::unique_lock lock(fLock);
 	if (fClosed)
 		return;
 	if (coalesce && !fArrivals.empty() && fArrivals.back()->what == copy->what
@@ -95,7 +99,7 @@ MessagePort::PostEvent(BMessage&& message, int32 target, bool coalesce)
 		return;
 	}
 	fArrivals.push_back(std::move(copy));
-	Arrived();
+	Arrived(lock);
 }
 
 void
@@ -145,8 +149,8 @@ void
 MessagePort::Wait()
 {
 	std::unique_lock lock(fLock);
-	fWaiting = true;
 	while (fArrivals.empty() && !fClosed) {
+		fWaiting = true;
 		const bigtime_t beat = fNextBeat.load(std::memory_order_relaxed);
 		if (beat <= system_time())
 			break;

@@ -69,7 +69,7 @@ public:
 
 private:
 	explicit MessagePort(int32 id, int32 capacity);
-	void Arrived();
+	void Arrived(std::unique_lock<std::mutex>& lock);
 	bool HasRunner(const RunnerState* runner) const;
 	void FindNextBeat();
 

@@ -84,10 +84,11 @@ ReplySlot::Deliver(const BMessenger& target, std::unique_ptr<BMessage>& message)
 	ReplySlot* slot = ReplySlots::All().At(MessengerAccess::Port(target));
 	if (slot == nullptr)
 		return B_BAD_PORT_ID;
-	std::lock_guard lock(slot->fLock);
+	std::unique_lock lock(slot->fLock);
 	if (!slot->IsFor(MessengerAccess::Token(target)) || slot->fReply != nullptr)
 		return B_BAD_PORT_ID;
 	slot->fReply = std::move(message);
+	lock.unlock();
 	slot->fArrived.notify_one();
 	return B_OK;
 }
