@@ -2,73 +2,24 @@
 #include "interface/WidgetText.h"
 #include "server/ServerTabs.h"
 
+#include <Message.h>
+#include <QScopedValueRollback>
 #include <TabView.h>
+#include <Window.h>
 #include <algorithm>
 
 using namespace BPrivate;
 
-static const float kFrame = 3; // between the tab view's border and the views in it
+// of tabs that cannot be asked, around the text
+static constexpr float kTabMargin = 4;
 
-BTab::BTab(BView* contents) : fView(contents) { }
-
-//! A view that is shown belongs to the container.
-BTab::~BTab()
-{
-	SetView(NULL);
-}
-
-const char*
-BTab::Label() const
-{
-	if (!fHasLabel && fView != NULL && fView->Name() != NULL)
-		return fView->Name();
-	return fLabel.c_str();
-}
-
-void
-BTab::SetLabel(const char* label)
-{
-	fLabel = label != NULL ? label : "";
-	fHasLabel = label != NULL;
-	ShowState();
-}
-
-void
-BTab::SetEnabled(bool enabled)
-{
-	fEnabled = enabled;
-	ShowState();
-}
-
-bool
-BTab::IsSelected() const
-{
-	return fOwner != NULL && fOwner->TabAt(fOwner->Selection()) == this;
-}
-
-void
-BTab::SetView(BView* contents)
-{
-	if (contents == fView)
-		return;
-	if (fView != NULL)
-		fView->RemoveSelf();
-	delete fView;
-	fView = contents;
-	if (IsSelected() && fView != NULL)
-		fOwner->ContainerView()->AddChild(fView);
-	ShowState();
-}
-
-void
-BTab::ShowState()
-{
-	if (fOwner != NULL)
-		fOwner->ShowTab(*this);
-}
-
-BTabView::BTabView(BRect frame, const char* name, button_width, uint32 resizingMode, uint32 flags)
-	: BView(frame, name, resizingMode, flags)
+BTabView::BTabView(
+	BRect frame, const char* name, button_width width, uint32 resizingMode, uint32 flags)
+	: BView(frame, name, resizingMode, flags),
+	  fContainer(new BView(BRect(), "view container", B_FOLLOW_ALL, B_WILL_DRAW)),
+	  fTabWidth(width),
+	  fSelection(-1),
+	  fByUser(false)
 {
 	Init();
 }
@@ -76,7 +27,7 @@ BTabView::BTabView(BRect frame, const char* name, button_width, uint32 resizingM
 BTabView::~BTabView()
 {
 	for (BTab* tab : fTabs) {
-		tab->fOwner = NULL;
+		tab->fTabView = NULL;
 		delete tab;
 	}
 }
@@ -84,52 +35,63 @@ BTabView::~BTabView()
 void
 BTabView::Init()
 {
-	auto connect = [](ServerTabs* tabs, ProxySink* sink) {
-		QObject::connect(tabs, &QTabBar::currentChanged, sink, [sink](int index) {
-			BMessage event;
-			event.AddInt32("index", index);
-			sink->Send(event);
-		});
+	auto connect = [spoken = QString::fromUtf8(Name())](ServerTabs* tabs, ProxySink* sink) {
+		tabs->setAccessibleName(spoken);
+		tabs->SetSink(sink);
 	};
-	ViewData::Of(this).SetProxy(
-		std::make_unique<WidgetProxy>(WidgetProxy::MakerOf<ServerTabs>(connect),
-			[this](BMessage* event) { Select(event->GetInt32("index", -1)); }));
-
-	// A label of its own, for the height that every row has.
-	const auto height = ViewData::Of(this).proxy->Ask<ServerTabs>([](ServerTabs& tabs) {
-		const QSignalBlocker blocker(tabs);
-		tabs.ensurePolished();
-		tabs.addTab(QStringLiteral("X"));
-		const int row = tabs.RowHeight();
-		tabs.removeTab(0);
-		return row;
-	});
-	fTabHeight = height.value_or(0);
-	BRect inner = Bounds().InsetByCopy(kFrame, kFrame);
-	inner.top = fTabHeight + kFrame;
-	inner.bottom = std::max(inner.bottom, inner.top);
-	fContainer = new BView(inner, "view container", B_FOLLOW_ALL, B_WILL_DRAW);
+	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
+		WidgetProxy::MakerOf<ServerTabs>(connect), [this](BMessage* event) {
+			QScopedValueRollback guard(fByUser, true);
+			Select(event->GetInt32("tab", fSelection));
+		}));
 	fContainer->SetViewColor(ui_color(B_PANEL_BACKGROUND_COLOR));
+	FitContainer();
 	AddChild(fContainer);
+}
+
+void
+BTabView::FitContainer()
+{
+	const QSize size = to_qrect(Bounds()).size();
+	const auto inner = ViewData::Of(this).proxy->Ask<ServerTabs>(
+		[size](ServerTabs& tabs) { return std::pair(tabs.InnerRect(size), tabs.TabHeight()); });
+	font_height font;
+	GetFontHeight(&font);
+	fTabHeight = inner ? inner->second : ceilf(font.ascent + font.descent) + 2 * kTabMargin;
+	BRect frame = Bounds();
+	frame.top += fTabHeight;
+	if (inner)
+		frame = to_brect(inner->first);
+	fContainer->MoveTo(frame.LeftTop());
+	fContainer->ResizeTo(frame.Width(), frame.Height());
+}
+
+void
+BTabView::AttachedToWindow()
+{
+	BView::AttachedToWindow();
+	if (fSelection < 0)
+		Select(0);
 }
 
 void
 BTabView::GetPreferredSize(float* width, float* height)
 {
-	float row = 0;
-	preferred_size(*this, &row, NULL);
-	BSize contents(0, 0);
+	float page[2] = {0, 0};
 	for (const BTab* tab : fTabs) {
 		if (tab->View() == NULL)
 			continue;
-		contents.width = std::max(contents.width, tab->View()->Frame().right);
-		contents.height = std::max(contents.height, tab->View()->Frame().bottom);
+		page[0] = std::max(page[0], tab->View()->Frame().right);
+		page[1] = std::max(page[1], tab->View()->Frame().bottom);
 	}
+	const auto tabs = ViewData::Of(this).proxy->Ask<ServerTabs>(
+		[](ServerTabs& widget) { return widget.TabsWidth(); });
+	const BRect bounds = Bounds();
 	const BRect inner = fContainer->Frame();
 	if (width != NULL)
-		*width = std::max(row, contents.width + Bounds().Width() - inner.Width());
+		*width = std::max<float>(page[0] + bounds.Width() - inner.Width(), tabs.value_or(0));
 	if (height != NULL)
-		*height = contents.height + Bounds().Height() - inner.Height();
+		*height = page[1] + bounds.Height() - inner.Height();
 }
 
 void
@@ -137,13 +99,14 @@ BTabView::AddTab(BView* target, BTab* tab)
 {
 	if (tab == NULL)
 		tab = new BTab(target);
-	else if (target != NULL)
+	else
 		tab->SetView(target);
 	fTabs.push_back(tab);
-	tab->fOwner = this;
-	ViewData::Of(this).proxy->Set<ServerTabs>([](ServerTabs& tabs) { tabs.addTab(QString()); });
-	ShowTab(*tab);
-	if (fTabs.size() == 1)
+	tab->fTabView = this;
+	// the tabs that are on their way stay right
+	ViewData::Of(this).proxy->Adjust<ServerTabs>([](ServerTabs& tabs) { tabs.Append(); });
+	ShowTab(tab);
+	if (CountTabs() == 1 && Window() != NULL)
 		Select(0);
 }
 
@@ -153,16 +116,17 @@ BTabView::RemoveTab(int32 index)
 	BTab* tab = TabAt(index);
 	if (tab == NULL)
 		return NULL;
-	if (tab->View() != NULL)
-		tab->View()->RemoveSelf();
-	const bool wasSelected = index == fSelection;
+	const bool isSelected = index == fSelection;
+	if (isSelected)
+		tab->Deselect();
 	fTabs.erase(fTabs.begin() + index);
-	tab->fOwner = NULL;
-	ViewData::Of(this).proxy->Set<ServerTabs>([index](ServerTabs& tabs) { tabs.removeTab(index); });
-	if (index < fSelection || fSelection == CountTabs())
+	tab->fTabView = NULL;
+	ViewData::Of(this).proxy->Set<ServerTabs>([index](ServerTabs& tabs) { tabs.Remove(index); });
+	if (isSelected) {
+		fSelection = -1;
+		Select(std::max(index - 1, 0));
+	} else if (index < fSelection)
 		fSelection--;
-	if (wasSelected)
-		Swap(fSelection);
 	return tab;
 }
 
@@ -170,6 +134,13 @@ BTab*
 BTabView::TabAt(int32 index) const
 {
 	return index >= 0 && index < CountTabs() ? fTabs[index] : NULL;
+}
+
+BView*
+BTabView::ViewForTab(int32 index) const
+{
+	const BTab* tab = TabAt(index);
+	return tab != NULL ? tab->View() : NULL;
 }
 
 int32
@@ -181,30 +152,55 @@ BTabView::CountTabs() const
 void
 BTabView::Select(int32 index)
 {
-	if (TabAt(index) == NULL || index == fSelection)
+	BTab* tab = TabAt(index);
+	if (tab == NULL || index == fSelection)
 		return;
-	if (const BTab* before = TabAt(fSelection); before != NULL && before->View() != NULL)
-		before->View()->RemoveSelf();
-	Swap(index);
-}
-
-void
-BTabView::Swap(int32 index)
-{
+	if (BTab* old = TabAt(fSelection))
+		old->Deselect();
 	fSelection = index;
-	if (BTab* tab = TabAt(index); tab != NULL && tab->View() != NULL)
-		fContainer->AddChild(tab->View());
-	ViewData::Of(this).proxy->Set<ServerTabs>(
-		[index](ServerTabs& tabs) { tabs.setCurrentIndex(index); });
+	tab->Select(fContainer);
+	if (!fByUser)
+		ViewData::Of(this).proxy->Set<ServerTabs>(
+			[index](ServerTabs& tabs) { tabs.Choose(index); });
+}
+
+int32
+BTabView::Selection() const
+{
+	return fSelection;
+}
+
+BView*
+BTabView::ContainerView() const
+{
+	return fContainer;
+}
+
+button_width
+BTabView::TabWidth() const
+{
+	return fTabWidth;
+}
+
+float
+BTabView::TabHeight() const
+{
+	return fTabHeight;
+}
+
+BRect
+BTabView::TabFrame(int32 index) const
+{
+	const auto frame = ViewData::Of(this).proxy->Ask<ServerTabs>(
+		[index](ServerTabs& tabs) { return tabs.TabRect(index); });
+	return frame && frame->isValid() ? to_brect(*frame) : BRect();
 }
 
 void
-BTabView::ShowTab(const BTab& tab)
+BTabView::ShowTab(const BTab* tab)
 {
-	const int index = std::find(fTabs.begin(), fTabs.end(), &tab) - fTabs.begin();
+	const int32 index = std::find(fTabs.begin(), fTabs.end(), tab) - fTabs.begin();
 	ViewData::Of(this).proxy->Adjust<ServerTabs>(
-		[index, text = widget_text(tab.Label()), enabled = tab.IsEnabled()](ServerTabs& tabs) {
-			tabs.setTabText(index, text);
-			tabs.setTabEnabled(index, enabled);
-		});
+		[index, text = widget_text(tab->Label()), enabled = tab->IsEnabled()](
+			ServerTabs& tabs) { tabs.Show(index, text, enabled); });
 }

@@ -1,80 +1,95 @@
 #pragma once
 
 #include <Archivable.h>
+#include <InterfaceDefs.h>
 #include <View.h>
-#include <string>
 #include <vector>
 
 class BTabView;
 
-/*!	A tab: a label, and the view that is shown while it is chosen. Owner: the tab view it is added to. Thread: that one's. */
+/*!	A tab of a BTabView, and the view that it stands for. The name of that view is its label.
+	Owner: the tab view that it was added to; it owns its view in turn.
+	Thread: with the window's lock, once it is in a window. */
 class BTab : public BArchivable {
 public:
-	//! Takes the view over. NULL: none yet.
 	explicit BTab(BView* contents = NULL);
 	~BTab() override;
 
-	//! Of a tab that was given none, its view's name.
+	//! The view's name, NULL without a view or a name.
 	const char* Label() const;
+	//! Nothing happens without a view.
 	virtual void SetLabel(const char* label);
 	//! One that is not enabled cannot be chosen by the user.
-	bool IsEnabled() const { return fEnabled; }
 	virtual void SetEnabled(bool enabled);
+	bool IsEnabled() const;
 	bool IsSelected() const;
-	BView* View() const { return fView; }
-	//! Deletes the view before.
+	//! Puts the view into `owner`.
+	virtual void Select(BView* owner);
+	virtual void Deselect();
+	//! Deletes the old one.
 	virtual void SetView(BView* contents);
+	BView* View() const;
 
 private:
 	friend class BTabView;
 
-	void ShowState();
+	void Changed();
 
-	std::string fLabel;
-	bool fHasLabel = false;
-	bool fEnabled = true;
 	BView* fView;
-	BTabView* fOwner = nullptr; // once added
+	BTabView* fTabView;
+	bool fEnabled;
+	bool fSelected;
 };
 
-/*!	Views behind each other, one of which is shown, and a row of tabs to choose it by. Only the shown one is attached to
-	the window: it is a child of the container view, in whose coordinates it is placed.
-	Owner of its tabs and of all their views. */
+/*!	Several views in one place, and tabs to choose which of them is seen. Only that one is in the
+	window; it keeps its size. The arrow keys choose while the tabs have the focus. */
 class BTabView : public BView {
 public:
+	//! Tabs are as wide as their labels; `width` is only kept.
 	BTabView(BRect frame, const char* name, button_width width = B_WIDTH_AS_USUAL,
 		uint32 resizingMode = B_FOLLOW_ALL,
 		uint32 flags
 		= B_FULL_UPDATE_ON_RESIZE | B_WILL_DRAW | B_NAVIGABLE_JUMP | B_FRAME_EVENTS | B_NAVIGABLE);
+	//! Deletes the tabs with their views.
 	~BTabView() override;
 
+	//! The first tab is selected, unless another one is already.
+	void AttachedToWindow() override;
+	//! With room for all tabs and for the largest of their views as they are.
 	void GetPreferredSize(float* width, float* height) override;
 
-	//! Adds the view behind a tab, a new one for NULL. The first one is selected.
+	/*!	Behind the others; its label is the name of `target`. NULL: a new tab is made. Owns both. */
 	virtual void AddTab(BView* target, BTab* tab = NULL);
-	//! Takes the tab with its view out; the caller owns it. NULL when out of range.
+	/*!	The caller's, with its view; NULL if out of range. The one before it is selected in its
+		place. */
 	virtual BTab* RemoveTab(int32 index);
-	//! NULL when out of range.
-	virtual BTab* TabAt(int32 index) const;
+	//! NULL if out of range.
+	BTab* TabAt(int32 index) const;
+	BView* ViewForTab(int32 index) const;
 	int32 CountTabs() const;
-	//! Shows that tab's view; the user's choice comes here too. Out of range: nothing.
+	/*!	Also the hook that is called when the user chooses. Out of range: nothing. */
 	virtual void Select(int32 index);
-	//! -1 without tabs.
-	int32 Selection() const { return fSelection; }
+	//! Negative: none.
+	int32 Selection() const;
+	//! What the selected tab's view is in: all that tabs and border leave.
+	BView* ContainerView() const;
 
-	BView* ContainerView() const { return fContainer; }
-	//! Of the row of tabs, pixels.
-	float TabHeight() const { return fTabHeight; }
+	button_width TabWidth() const;
+	float TabHeight() const;
+	//! In the tab view's coordinates; asks the display server.
+	BRect TabFrame(int32 index) const;
 
 private:
 	friend class BTab;
 
 	void Init();
-	void ShowTab(const BTab& tab);
-	void Swap(int32 index);
+	void FitContainer();
+	void ShowTab(const BTab* tab);
 
 	std::vector<BTab*> fTabs;
-	int32 fSelection = -1;
-	BView* fContainer = nullptr;
-	float fTabHeight = 0;
+	BView* fContainer;
+	button_width fTabWidth;
+	float fTabHeight;
+	int32 fSelection;
+	bool fByUser; // within Select(): the tabs on the screen show it already
 };
