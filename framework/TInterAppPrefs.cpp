@@ -4,6 +4,7 @@
 
 #include <Application.h>
 
+#include "framework/TIAPWin.h"
 #include "framework/common_prefs_file.h"
 #include "framework/framework_codes.h"
 
@@ -105,7 +106,11 @@ TInterAppPrefs::SetValue(const BMessage& message)
 	TIAPItem* item = SourceItem(message);
 	if (item == nullptr)
 		return B_NAME_NOT_FOUND;
-	return item->Unarchive(message) ? B_OK : B_BAD_VALUE;
+	if (!item->Unarchive(message))
+		return B_BAD_VALUE;
+	BMessage notice = notice_of(item->Name(), item->Value());
+	PostToWindow(&notice);
+	return B_OK;
 }
 
 status_t
@@ -124,6 +129,57 @@ TInterAppPrefs::ChangeValue(const char* name, int32 value)
 	if (fPort != nullptr)
 		fPort->SendToOthers(notice);
 	return status;
+}
+
+void
+TInterAppPrefs::ShowWindow(BRect beside)
+{
+	BLooper* looper = nullptr;
+	const BMessenger known = Window();
+	if (known.LockTarget()) {
+		known.Target(&looper);
+		static_cast<TIAPWin*>(looper)->Appear();
+		looper->Unlock();
+		return;
+	}
+	auto* window = new TIAPWin(this);
+	{
+		std::lock_guard locker(fLock);
+		fWindow = BMessenger(window);
+	}
+	window->SetPos(beside.IsValid(), beside);
+	window->Appear();
+}
+
+void
+TInterAppPrefs::CloseWindow(bool hideOnly)
+{
+	const BMessenger known = Window();
+	BLooper* looper = nullptr;
+	if (!known.LockTarget())
+		return;
+	known.Target(&looper);
+	auto* window = static_cast<TIAPWin*>(looper);
+	if (!hideOnly) {
+		window->Quit();
+		return;
+	}
+	if (!window->IsHidden())
+		window->Hide();
+	window->Unlock();
+}
+
+void
+TInterAppPrefs::PostToWindow(BMessage* message) const
+{
+	Window().SendMessage(message, static_cast<BHandler*>(nullptr), 0);
+}
+
+BMessenger
+TInterAppPrefs::Window() const
+{
+	std::lock_guard locker(fLock);
+	return fWindow;
 }
 
 void

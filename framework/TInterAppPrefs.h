@@ -5,6 +5,8 @@
 #include <vector>
 
 #include <Message.h>
+#include <Messenger.h>
+#include <Rect.h>
 
 #include "framework/TIAPItem.h"
 #include "framework/TIAPPort.h"
@@ -45,6 +47,15 @@ public:
 		has happened. Any other error is one of storing: the others know the value, but it will not last. */
 	[[nodiscard]] status_t ChangeValue(const char* name, int32 value);
 
+	// The window in which the user changes them. Thread: of one looper only, which holds no lock of the window.
+
+	//! Shows it beside the frame; it is made with the items that there are then.
+	void ShowWindow(BRect beside);
+	//! Hides it, when it may come again (`hideOnly`); else ends it. Nothing when there is none.
+	void CloseWindow(bool hideOnly);
+	//! For what it is to hear of: kLanguageChanged (SetValue() tells it of values). Nothing when there is none. Any thread.
+	void PostToWindow(BMessage* message) const;
+
 	/*!	Ends the thread, for good: when it returns, nothing of this object runs or will. Not with a lock that the
 		application's looper may wait for, and not on the thread that reads the port. May be called twice. */
 	void Stop();
@@ -52,9 +63,11 @@ public:
 private:
 	void ChangedByOthers(const BMessage& message) const;
 	TIAPItem* SourceItem(const BMessage& message) const;
+	BMessenger Window() const;
 
-	mutable std::mutex fLock; // guards the list; the items guard themselves
+	mutable std::mutex fLock; // guards the list and the messenger; the items guard themselves
 	std::vector<std::unique_ptr<TIAPItem>> fItems;
+	BMessenger fWindow; // to it, guarded by fLock
 	std::mutex
 		fPortLock; // guards the port, also while something is sent; its reader never takes it
 	std::unique_ptr<TIAPPort> fPort; // null before SetAppSignatureRef() and after Stop()
