@@ -20,6 +20,16 @@ is_same_name(std::string_view a, std::string_view b)
 		[](char x, char y) { return upper_case(x) == upper_case(y); });
 }
 
+int
+compare_names(std::string_view a, std::string_view b)
+{
+	const auto [x, y] = std::mismatch(a.begin(), a.end(), b.begin(), b.end(),
+		[](char first, char second) { return upper_case(first) == upper_case(second); });
+	if (x == a.end() || y == b.end())
+		return (x != a.end()) - (y != b.end());
+	return upper_case(*x) - upper_case(*y);
+}
+
 size_t
 TNameIndex::NameHash::operator()(std::string_view name) const
 {

@@ -12,6 +12,9 @@ namespace merion {
 //! Whether two names are the same but for the case of ASCII letters.
 bool is_same_name(std::string_view a, std::string_view b);
 
+//! How two names are ordered in lists, whatever the case of ASCII letters: below 0, 0 or above.
+int compare_names(std::string_view a, std::string_view b);
+
 /*!	Finds the items of a list by name, whatever the case of ASCII letters; of several of one name, the first. It looks
 	at the list itself while that is short, and catches up with what was added at its end when it is next asked.
 	Every other change must be told. The list and the items' names must stay where they are.

@@ -6,6 +6,7 @@
 #include <SupportDefs.h>
 
 class BEntry;
+class BMessage;
 
 namespace merion {
 
@@ -18,6 +19,13 @@ enum entry_base : int32 {
 	file itself need not be there. An error when there is no such directory and none can be made. */
 [[nodiscard]] status_t get_entry(
 	const char* name, BEntry* entry, entry_base base, const char* folder);
+
+/*!	All bytes of a file that has at most `maxSize`; else B_FILE_TOO_LARGE. On failure `bytes` is left alone. */
+[[nodiscard]] status_t read_file(const BEntry& entry, size_t maxSize, std::string* bytes);
+
+/*!	Makes the flattened message the whole of a file. It is written aside, into a file of the same folder whose name begins
+	with a dot, and renamed: nobody reads half of it, and after an error the file is as it was. */
+[[nodiscard]] status_t save_message(const BMessage& message, const BEntry& entry);
 
 /*!	The path with `extension` (without its dot) in place of what follows the last dot of the file's name; a name
 	without a dot gets one. */

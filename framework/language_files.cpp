@@ -5,19 +5,20 @@
 #include <DataIO.h>
 #include <Directory.h>
 #include <Entry.h>
-#include <File.h>
 #include <LocaleRoster.h>
 #include <Message.h>
 
 #include "framework/TIniFile.h"
 #include "framework/TLLT.h"
+#include "framework/TNameIndex.h"
+#include "framework/file_utils.h"
 
 namespace merion {
 
 namespace {
 
 constexpr std::string_view kExtension = ".llt";
-constexpr off_t kMaxSize = 1024 * 1024; // bytes; a whole language has some 20 000
+constexpr size_t kMaxSize = 1024 * 1024; // bytes; a whole language has some 20 000
 constexpr int kLineLength = 2048;
 
 //! Which file is whose. The codes are those of ISO 639-1; "zh" is written in two ways, see is_traditional_chinese().
@@ -73,20 +74,11 @@ is_bare_name(std::string_view name)
 	return !name.empty() && name.find('/') == std::string_view::npos;
 }
 
-std::string
-in_small_letters(std::string text)
-{
-	std::transform(text.begin(), text.end(), text.begin(),
-		[](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
-	return text;
-}
-
 bool
 goes_before(const language_file& a, const language_file& b)
 {
-	const std::string first = in_small_letters(a.language);
-	const std::string second = in_small_letters(b.language);
-	return first != second ? first < second : a.name < b.name;
+	const int order = compare_names(a.language, b.language);
+	return order != 0 ? order < 0 : a.name < b.name;
 }
 
 std::string
@@ -138,15 +130,9 @@ read_language_file(const std::string& folder, const std::string& name)
 {
 	if (folder.empty() || !is_bare_name(name))
 		return std::nullopt;
-	BFile file((folder + "/" + name).c_str(), B_READ_ONLY);
-	off_t size = 0;
-	if (file.InitCheck() != B_OK || file.GetSize(&size) != B_OK || size > kMaxSize)
+	std::string bytes;
+	if (read_file(BEntry((folder + "/" + name).c_str()), kMaxSize, &bytes) != B_OK)
 		return std::nullopt;
-	std::string bytes(static_cast<size_t>(size), '\0');
-	const ssize_t read = file.Read(bytes.data(), bytes.size());
-	if (read < 0)
-		return std::nullopt;
-	bytes.resize(static_cast<size_t>(read));
 	return bytes;
 }
 
