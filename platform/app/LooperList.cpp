@@ -19,6 +19,7 @@ struct Entry {
 	std::shared_ptr<MessagePort> port;
 	BWindow* window;
 	std::string name;
+	bool quitsLast = false;
 };
 
 struct List {
@@ -60,9 +61,11 @@ items(bool windowsOnly)
 {
 	std::shared_lock lock(list().lock);
 	std::vector<Item> found;
-	for (const Entry& entry : list().entries) {
-		if (entry.window != nullptr || !windowsOnly)
-			found.push_back({entry.looper, entry.window});
+	for (bool last : {false, true}) {
+		for (const Entry& entry : list().entries) {
+			if (entry.quitsLast == last && (entry.window != nullptr || !windowsOnly))
+				found.push_back({entry.looper, entry.window});
+		}
 	}
 	return found;
 }
@@ -107,6 +110,14 @@ SetWindow(BLooper* looper, BWindow* window)
 	std::unique_lock lock(list().lock);
 	if (Entry* entry = entry_of(looper))
 		entry->window = window;
+}
+
+void
+SetQuitsLast(BLooper* looper)
+{
+	std::unique_lock lock(list().lock);
+	if (Entry* entry = entry_of(looper))
+		entry->quitsLast = true;
 }
 
 std::shared_ptr<LooperLock>

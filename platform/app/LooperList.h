@@ -21,6 +21,8 @@ void Remove(BLooper* looper);
 void SetName(BLooper* looper, const char* name);
 //! NULL: it is no window (any more).
 void SetWindow(BLooper* looper, BWindow* window);
+//! For a window that cannot refuse to quit: the lists name it after those that can.
+void SetQuitsLast(BLooper* looper);
 
 //! NULL when the looper is gone.
 std::shared_ptr<LooperLock> LockOf(const BLooper* looper);
