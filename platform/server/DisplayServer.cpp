@@ -8,7 +8,9 @@
 
 #include <Application.h>
 #include <QApplication>
+#include <QLibraryInfo>
 #include <QSocketNotifier>
+#include <QTranslator>
 #include <chrono>
 #include <clocale>
 #include <errno.h>
@@ -36,6 +38,15 @@ toolkit_message(QtMsgType type, const QMessageLogContext&, const QString& text)
 		abort();
 }
 
+//! The toolkit's own texts (of its file dialog, its questions), where they are installed.
+static void
+translate_toolkit(QApplication* application)
+{
+	auto* texts = new QTranslator(application);
+	if (texts->load(QLocale(), "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+		QCoreApplication::installTranslator(texts);
+}
+
 static QApplication*
 make_application()
 {
@@ -43,12 +54,15 @@ make_application()
 	if (getenv("DISPLAY") != nullptr)
 		setenv("QT_QPA_PLATFORM", "xcb", 0);
 	qInstallMessageHandler(toolkit_message);
+	// others' dialogs wait in loops of their own
+	QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
 	static int sCount = 1;
 	static char* sArguments[] = {program_invocation_name, nullptr};
 	auto* application = new QApplication(sCount, sArguments);
 	// the toolkit takes the user's locale over; numbers in files have a point in every country
 	setlocale(LC_NUMERIC, "C");
 	QApplication::setQuitOnLastWindowClosed(false);
+	translate_toolkit(application);
 	return application;
 }
 

@@ -22,12 +22,17 @@ public:
 	{
 		return dynamic_cast<T*>(fWidgets.value(id).data());
 	}
-	void Delete(int64 id) { delete fWidgets.take(id).data(); }
+	/*!	While a loop within the main loop runs (a dialog has opened a menu, something is dragged), code of the widget's own may be
+		below it: then the widget is only hidden, and deleted after that. */
+	void Delete(int64 id);
 	void DeleteAll();
 	int32 CountWidgets() const { return fWidgets.size(); }
 
 private:
+	void DeleteLate();
+
 	QHash<int64, QPointer<QWidget>> fWidgets;
+	QList<QPointer<QWidget>> fLate;
 };
 
 } // namespace BPrivate
