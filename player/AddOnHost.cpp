@@ -1,5 +1,6 @@
 #include "AddOnHost.h"
 
+#include "Texts.h"
 #include "media_files.h"
 
 #include "host/GeneralPlugin.h"
@@ -131,7 +132,7 @@ AddOnHost::Load(const std::string& path)
 {
 	image_id image = load_add_on(path.c_str());
 	if (image < 0) {
-		fListener.AddOnFailed(path, "it cannot be loaded");
+		fListener.AddOnFailed(path, text(kTextReasonNotLoaded));
 		return;
 	}
 	PluginConstructorStruct construct = {};
@@ -140,7 +141,7 @@ AddOnHost::Load(const std::string& path)
 		unload_add_on(image);
 	} else if (construct.version != kInterfaceVersion) {
 		// not even its destructor can be trusted, so object and code stay
-		fListener.AddOnFailed(path, "it is made for another version of the plug-in interface");
+		fListener.AddOnFailed(path, text(kTextReasonOtherVersion));
 	} else {
 		fAddOns.push_back({image, plugin});
 		plugin->Init();
@@ -152,13 +153,13 @@ AddOnHost::Make(image_id image, const std::string& path, PluginConstructorStruct
 {
 	void* symbol;
 	if (get_image_symbol(image, "NewPlugin", B_SYMBOL_TYPE_TEXT, &symbol) != B_OK) {
-		fListener.AddOnFailed(path, "it has no NewPlugin");
+		fListener.AddOnFailed(path, text(kTextReasonNoFactory));
 		return nullptr;
 	}
 	try {
 		GeneralPlugin* plugin = reinterpret_cast<Factory>(symbol)(&construct);
 		if (plugin == nullptr)
-			fListener.AddOnFailed(path, "it made no plug-in");
+			fListener.AddOnFailed(path, text(kTextReasonNoPlugIn));
 		return plugin;
 	} catch (const std::exception& exception) {
 		fListener.AddOnFailed(path, exception.what());

@@ -1,6 +1,7 @@
 #include "Engine.h"
 
 #include "MpvPlayer.h"
+#include "Texts.h"
 #include "song_tags.h"
 
 #include <algorithm>
@@ -448,7 +449,7 @@ Engine::FileEnded(const mpv_event& event)
 			SongFailed(index, fPlayer->ErrorText(end.error));
 			break;
 		case MPV_END_FILE_REASON_REDIRECT:
-			SongFailed(index, "a list of files");
+			SongFailed(index, text(kTextReasonList));
 			ResetList();
 			if (int32 next = fState.NextPlayable(index + 1, 1); next >= 0)
 				PlayNow({kPlay, 0, next});

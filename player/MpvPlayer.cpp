@@ -1,5 +1,7 @@
 #include "MpvPlayer.h"
 
+#include "Texts.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -177,7 +179,7 @@ MpvPlayer::WaitUntilIdle(std::string& error)
 		if (WaitEvent(kStartLook)->event_id == MPV_EVENT_IDLE)
 			return true;
 	}
-	error = "the player does not start";
+	error = text(kTextReasonNoStart);
 	return false;
 }
 

@@ -7,6 +7,7 @@
 #include <Application.h>
 #include <Button.h>
 #include <Entry.h>
+#include <FilePanel.h>
 #include <Font.h>
 #include <ListView.h>
 #include <Menu.h>
@@ -28,6 +29,7 @@ namespace {
 
 // Of this window's controls and menus, to itself.
 constexpr uint32 kMsgPulse = 'PWpl';
+constexpr uint32 kMsgOpen = 'PWop';
 constexpr uint32 kMsgTogglePause = 'PWtp';
 constexpr uint32 kMsgPrevious = 'PWpv';
 constexpr uint32 kMsgNext = 'PWnx';
@@ -116,6 +118,8 @@ PlayerWindow::BuildMenus()
 {
 	fMenuBar = new BMenuBar(BRect(0, 0, Bounds().right, 20), "Menus");
 	auto file = new BMenu(text(kTextFileMenu));
+	file->AddItem(new BMenuItem(text(kTextOpen), new BMessage(kMsgOpen), 'O'));
+	file->AddSeparatorItem();
 	file->AddItem(new BMenuItem(text(kTextQuit), new BMessage(B_QUIT_REQUESTED), 'Q'));
 	fMenuBar->AddItem(file);
 	fMenuBar->AddItem(BuildPlaybackMenu());
@@ -131,9 +135,9 @@ BMenu*
 PlayerWindow::BuildPlaybackMenu()
 {
 	auto menu = new BMenu(text(kTextPlaybackMenu));
-	menu->AddItem(new BMenuItem(text(kTextPlay), new BMessage(kMsgTogglePause), 'P'));
-	menu->AddItem(new BMenuItem(text(kTextPrevious), new BMessage(kMsgPrevious), 'B'));
-	menu->AddItem(new BMenuItem(text(kTextNext), new BMessage(kMsgNext), 'N'));
+	menu->AddItem(new BMenuItem(text(kTextPlayItem), new BMessage(kMsgTogglePause), 'P'));
+	menu->AddItem(new BMenuItem(text(kTextPreviousItem), new BMessage(kMsgPrevious), 'B'));
+	menu->AddItem(new BMenuItem(text(kTextNextItem), new BMessage(kMsgNext), 'N'));
 	menu->AddSeparatorItem();
 	menu->AddItem(new BMenuItem(text(kTextBack), new BMessage(kMsgBack), 'J'));
 	menu->AddItem(new BMenuItem(text(kTextForward), new BMessage(kMsgForward), 'L'));
@@ -266,6 +270,11 @@ PlayerWindow::MessageReceived(BMessage* message)
 		case kMsgPlayEntry:
 			EntryInvoked(message);
 			break;
+		case kMsgOpen:
+			MItemOpenClicked();
+			break;
+		case B_CANCEL:
+			break; // of the panel, which tells whenever it is hidden
 		case B_SIMPLE_DATA:
 		case B_REFS_RECEIVED:
 			FilesDropped(message);
@@ -354,9 +363,7 @@ void
 PlayerWindow::VolumeChosen()
 {
 	fEngine.SetVolume(fVolume->Value());
-	char percent[128];
-	snprintf(percent, sizeof(percent), text(kTextVolume), static_cast<int>(fVolume->Value()));
-	set_text(fStatus, percent);
+	set_text(fStatus, text(kTextVolume, std::to_string(fVolume->Value())));
 }
 
 void
@@ -373,6 +380,18 @@ PlayerWindow::EntryInvoked(BMessage* message)
 	if (message->FindInt32("index", &index) == B_OK)
 		fEngine.Play(index);
 	TakeKeysBack();
+}
+
+//! The panel sends what was chosen as if it had been dropped.
+void
+PlayerWindow::MItemOpenClicked()
+{
+	if (fOpenPanel == nullptr) {
+		BMessenger target(this);
+		fOpenPanel.reset(new BFilePanel(
+			B_OPEN_PANEL, &target, nullptr, B_FILE_NODE | B_DIRECTORY_NODE));
+	}
+	fOpenPanel->Show();
 }
 
 //! They go to the end of the list, and play when nothing does.

@@ -24,14 +24,6 @@ constexpr bigtime_t kLookTime = 200000;    // for an add-on to ask what plays
 constexpr bigtime_t kShowTime = 30000;     // for it to show that
 constexpr bigtime_t kSettleTime = 3000000; // from the start to steady playing
 
-std::string
-formatted(TextKey key, const std::string& first, const std::string& second = "")
-{
-	char buffer[1024];
-	snprintf(buffer, sizeof(buffer), text(key), first.c_str(), second.c_str());
-	return buffer;
-}
-
 } // namespace
 
 QuboApp::QuboApp(const CommandLine& line)
@@ -136,7 +128,7 @@ QuboApp::AddFiles()
 	for (const std::string& name : fLine.files) {
 		std::vector<std::string> paths;
 		if (!collect_media_files(name, paths))
-			Report(formatted(kTextCannotPlay, name, "it is not there"));
+			Report(text(kTextCannotPlay, name, text(kTextReasonNotThere)));
 		for (const std::string& path : paths)
 			fState.Add(path);
 	}
@@ -227,7 +219,7 @@ QuboApp::SongFailed(int32 index, const std::string& reason)
 {
 	PlaylistEntry entry;
 	if (fState.GetEntry(index, entry))
-		Report(formatted(kTextCannotPlay, entry.path, reason));
+		Report(text(kTextCannotPlay, entry.path, reason));
 }
 
 void
@@ -239,7 +231,7 @@ QuboApp::NoSoundOutput()
 void
 QuboApp::EngineFailed(const std::string& reason)
 {
-	Report(formatted(kTextNoPlayer, reason));
+	Report(text(kTextNoPlayer, reason));
 	PlayingEnded(false);
 }
 
@@ -276,7 +268,7 @@ QuboApp::AddOnsLoaded(const std::vector<AddOnHost::Info>& addOns)
 void
 QuboApp::AddOnFailed(const std::string& path, const std::string& reason)
 {
-	Report(path + ": " + reason);
+	Report(text(kTextAddOnFailed, path, reason));
 }
 
 // #pragma mark - the end

@@ -1,15 +1,17 @@
 #pragma once
 
-/*!	The texts of the player that its user sees, in the language of the user. */
+#include <string>
+
+/*!	The texts of the player that its user sees, in the language of the desktop where there is a file for it, else in English.
+	Thread: any. */
 enum TextKey {
 	kTextFileMenu,
 	kTextOpen,
 	kTextQuit,
 	kTextPlaybackMenu,
-	kTextPlay,
-	kTextPause,
-	kTextPrevious,
-	kTextNext,
+	kTextPlayItem,
+	kTextPreviousItem,
+	kTextNextItem,
 	kTextBack,
 	kTextForward,
 	kTextToStart,
@@ -20,13 +22,27 @@ enum TextKey {
 	kTextShow,
 	kTextPreferences,
 	kTextAbout,
+	kTextPlay,
+	kTextPause,
+	kTextPrevious,
+	kTextNext,
 	kTextVolume, // the percentage
 	kTextDropHere,
 	kTextNoSound,
-	kTextCannotPlay, // the file, the reason
-	kTextNoPlayer,   // the reason
+	kTextCannotPlay,  // the file, the reason
+	kTextNoPlayer,    // the reason
+	kTextAddOnFailed, // the file, the reason
+	kTextReasonNotThere,
+	kTextReasonList,
+	kTextReasonNoStart,
+	kTextReasonNotLoaded,
+	kTextReasonOtherVersion,
+	kTextReasonNoFactory,
+	kTextReasonNoPlugIn,
 	kTextCount
 };
 
-//! UTF-8. Any thread; good for ever.
+//! UTF-8, good for ever.
 const char* text(TextKey key);
+//! With these in place of its "%1" and "%2".
+std::string text(TextKey key, const std::string& first, const std::string& second = "");

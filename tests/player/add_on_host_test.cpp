@@ -60,7 +60,11 @@ private:
 
 class AddOnHostTest : public testing::Test {
 protected:
-	void SetUp() override { setenv("ADD_ON_LOG", LogPath().c_str(), 1); }
+	void SetUp() override
+	{
+		setenv("LC_ALL", "C.UTF-8", 1);
+		setenv("ADD_ON_LOG", LogPath().c_str(), 1);
+	}
 
 	std::string LogPath() const { return fDir.Path() + "/log"; }
 	std::string Folder() const { return fDir.Path() + "/add-ons"; }

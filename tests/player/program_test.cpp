@@ -45,7 +45,8 @@ protected:
 		std::vector<std::string> words = {QUBO, "--add-ons", AddOns()};
 		words.insert(words.end(), arguments.begin(), arguments.end());
 		environment.insert({{"QUBO_AO", "null"}, {"ADD_ON_LOG", Path("log")}, {"HOME", fDir.Path()},
-			{"XDG_CONFIG_HOME", Path("config")}, {"XDG_RUNTIME_DIR", fDir.Path()}});
+			{"XDG_CONFIG_HOME", Path("config")}, {"XDG_RUNTIME_DIR", fDir.Path()},
+			{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", ""}});
 		return Child(words, environment);
 	}
 
@@ -70,6 +71,24 @@ TEST_F(Program, TellsItsVersionAndItsUse)
 	Child help = Start({"--help"});
 	EXPECT_EQ(help.WaitForExit(), 0);
 	EXPECT_THAT(help.output, HasSubstr("--headless"));
+}
+
+TEST_F(Program, SpeaksTheDesktopsLanguage)
+{
+	const struct {
+		const char* locale;
+		const char* text;
+	} kCases[] = {
+		{"C", "Cannot play /100%2.ogg: it is not there"},
+		{"sv_SE.UTF-8", "Cannot play /100%2.ogg: it is not there"},
+		{"ja_JP.UTF-8", "/100%2.ogg を再生できません：見つかりません"},
+		{"de_AT.UTF-8", "/100%2.ogg kann nicht abgespielt werden: nicht vorhanden"},
+	};
+	for (const auto& each : kCases) {
+		Child child = Start({"--headless", "/100%2.ogg"}, {{"LC_ALL", each.locale}});
+		EXPECT_NE(child.WaitForExit(), -1) << each.locale;
+		EXPECT_THAT(child.errors, HasSubstr(each.text)) << each.locale;
+	}
 }
 
 TEST_F(Program, RefusesWrongUse)
