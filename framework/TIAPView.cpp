@@ -23,6 +23,7 @@ constexpr float kInsideMargin = 10; // below the last thing in a box
 constexpr float kButtonWidth = 90;
 constexpr float kButtonHeight = 28;
 constexpr float kButtonGap = 8;
+constexpr float kButtonTopGap = 6; // more than between rows
 
 // As high as what is in it, or as it wants to be.
 void
@@ -58,7 +59,7 @@ TIAPView::AddControls()
 		fRows.push_back({item, control, item->Value()});
 		frame.OffsetTo(kMargin, control->Frame().bottom + kRowGap);
 	}
-	return frame.top;
+	return frame.top + kButtonTopGap;
 }
 
 void

@@ -12,7 +12,7 @@ namespace merion {
 namespace {
 
 constexpr float kMinColumnGap = 8;
-constexpr float kMinRowGap = 4;
+constexpr float kMinRowGap = 6;
 constexpr uint32 kHorizontalMask = B_FOLLOW_LEFT | B_FOLLOW_RIGHT | B_FOLLOW_H_CENTER;
 constexpr uint32 kVerticalMask = B_FOLLOW_TOP | B_FOLLOW_BOTTOM | B_FOLLOW_V_CENTER;
 constexpr TLayoutAxis::Span kEverywhere = {-INFINITY, INFINITY};

@@ -17,7 +17,7 @@ namespace {
 
 constexpr float kMargin = 12;
 constexpr float kPageWidth = 400;
-constexpr float kPageHeight = 230;
+constexpr float kPageHeight = 250;
 constexpr float kTabRoom = 40; // above and around the pages
 constexpr float kButtonWidth = 90;
 constexpr float kButtonHeight = 28;
@@ -45,6 +45,11 @@ TSimpleAboutView::TSimpleAboutView(TAppInfoView* appInfo)
 	fTabs->SetResizingMode(B_FOLLOW_ALL);
 	fTabs->AddTab(fAppInfo);
 	fTabs->AddTab(fLanguageInfo);
+	const BRect page = fTabs->ContainerView()->Bounds();
+	for (BView* view : {static_cast<BView*>(fAppInfo), static_cast<BView*>(fLanguageInfo)}) {
+		view->MoveTo(B_ORIGIN);
+		view->ResizeTo(page.Width(), page.Height());
+	}
 	AddChild(fTabs);
 	const BRect button(bounds.right - kMargin - kButtonWidth, buttonTop, bounds.right - kMargin,
 		buttonTop + kButtonHeight);

@@ -7,6 +7,7 @@ namespace merion {
 
 /*!	Shows a box with one to three buttons (nullptr: no such button) and waits; the index of the button that the user has pressed.
 	Escape, and closing the box in any other way, answer as the last button does: the last one is the one that changes nothing.
+	Return presses it too.
 	`keys` (may be nullptr): a letter for each button, which presses it together with Command; a blank for none.
 	Thread: any but the display server's; the looper that it is called on handles no message meanwhile. Of no box
 	that could be shown, and while dismiss_alerts() holds, the answer is that of Escape at once. */

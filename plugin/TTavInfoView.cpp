@@ -10,7 +10,7 @@
 namespace {
 
 constexpr float kLineHeight = 18;
-constexpr float kDescriptionHeight = 40;
+constexpr float kDescriptionHeight = 36;
 constexpr float kGroupGap = 10;
 constexpr rgb_color kIconColor = {28, 28, 36, 255};
 constexpr rgb_color kIconLineColor = {150, 150, 165, 255};
