@@ -1,15 +1,15 @@
+#include "app/LooperAccess.h"
 #include "interface/ViewData.h"
+#include "server/ServerSign.h"
+#include "server/ServerText.h"
+#include "server/UserAnswer.h"
 
 #include <Alert.h>
 #include <Button.h>
 #include <Invoker.h>
-#include <OS.h>
-#include <QApplication>
-#include <QLabel>
-#include <QStyle>
 #include <Screen.h>
+#include <TextView.h>
 #include <algorithm>
-#include <atomic>
 
 using namespace BPrivate;
 
@@ -20,151 +20,193 @@ const float kMargin = 16;             // between the border, the parts and the b
 const float kTextWidth = 360;         // longer lines are broken
 const float kMinWidth = 200;
 const int kSignSize = 32;
-const bigtime_t kUpdateInterval = 50000; // µs, of a window that waits
+const float kButtonGap = 8;
+const float kUsualButtonWidth = 75; // at least
+const int kTextRoom = 2;            // for what the toolkit rounds
+const float kScrollBarRoom = 18;
 const uint32 kCommandKeys = B_COMMAND_KEY | B_CONTROL_KEY | B_OPTION_KEY;
 
-//! A label that shows a text or a picture as it is.
-class LabelView : public BView {
-public:
-	LabelView(const char* name, std::function<void(QLabel*)> setUp)
-		: BView(BRect(), name, B_FOLLOW_NONE, B_WILL_DRAW)
-	{
-		ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
-			WidgetProxy::MakerOf<QLabel>([setUp](QLabel* label, ProxySink*) { setUp(label); }),
-			[](BMessage*) {}));
-	}
-
-	//! At its ease, but broken where it is wider than that.
-	BSize SizeWithin(float width)
-	{
-		const auto size = ViewData::Of(this).proxy->Ask<QLabel>([width](QLabel& label) {
-			label.setWordWrap(false);
-			QSize ideal = label.sizeHint();
-			if (ideal.width() > width) {
-				label.setWordWrap(true);
-				ideal = QSize(width, label.heightForWidth(width));
-			}
-			return ideal;
-		});
-		return size ? BSize(size->width() - 1, size->height() - 1) : BSize(width, 0);
-	}
-};
-
-QStyle::StandardPixmap
-picture_of(alert_type type)
+ServerSign::Kind
+sign_of(alert_type type)
 {
 	switch (type) {
 		case B_WARNING_ALERT:
-			return QStyle::SP_MessageBoxWarning;
+			return ServerSign::Kind::kWarning;
 		case B_STOP_ALERT:
-			return QStyle::SP_MessageBoxCritical;
+			return ServerSign::Kind::kStop;
 		default:
-			return QStyle::SP_MessageBoxInformation;
+			return ServerSign::Kind::kInfo;
 	}
 }
 
-LabelView*
-make_sign(alert_type type)
-{
-	return new LabelView("sign", [picture = picture_of(type)](QLabel* label) {
-		label->setPixmap(QApplication::style()->standardIcon(picture).pixmap(kSignSize, kSignSize));
-	});
-}
-
-LabelView*
-make_text(const QString& text)
-{
-	return new LabelView("text", [text](QLabel* label) {
-		label->setTextFormat(Qt::PlainText);
-		label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-		label->setText(text);
-	});
-}
+//! The sign beside the text.
+class SignView : public BView {
+public:
+	explicit SignView(alert_type type) : BView(BRect(), "sign", B_FOLLOW_NONE, B_WILL_DRAW)
+	{
+		auto setUp = [kind = sign_of(type)](ServerSign* sign, ProxySink*) { sign->SetKind(kind); };
+		ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
+			WidgetProxy::MakerOf<ServerSign>(setUp), [](BMessage*) {}));
+	}
+};
 
 } // namespace
-
-//! What Go() waits for; it outlives the box.
-struct BPrivate::AlertAnswer {
-	std::atomic<int32> which = -1;
-	sem_id isThere = create_sem(0, "alert");
-
-	~AlertAnswer() { delete_sem(isThere); }
-};
 
 BAlert::BAlert(const char* title, const char* text, const char* button1, const char* button2,
 	const char* button3, button_width width, alert_type type)
 	: BWindow(BRect(0, 0, kMinWidth, 99), title, B_MODAL_WINDOW,
 		B_NOT_RESIZABLE | B_NOT_ZOOMABLE | B_NOT_MINIMIZABLE | B_ASYNCHRONOUS_CONTROLS),
-	  fAnswer(std::make_shared<AlertAnswer>())
+	  fPanel(new BView(Bounds(), "panel", B_FOLLOW_ALL, B_WILL_DRAW)),
+	  fButtonWidth(width),
+	  fType(type),
+	  fAnswer(std::make_shared<UserAnswer>())
 {
 	const char* labels[kMaxButtons] = {button1, button2, button3};
-	const float buttonsWidth = AddButtons(labels, width);
-	BView* sign = type != B_EMPTY_ALERT ? make_sign(type) : NULL;
-	LayOut(sign, make_text(QString::fromUtf8(text)), buttonsWidth);
+	AddPanel(text);
+	AddButtons(labels);
+	LayOut();
 }
 
 BAlert::~BAlert()
 {
-	release_sem(fAnswer->isThere);
+	fAnswer->Give(fWhich);
 }
 
-//! In their order, not yet in their places; answers how wide the row of them is.
-float
-BAlert::AddButtons(const char* const labels[], button_width width)
+void
+BAlert::AddPanel(const char* text)
 {
-	float widest = 0;
-	float sum = 0;
+	const rgb_color paper = ui_color(B_PANEL_BACKGROUND_COLOR);
+	fPanel->SetViewColor(paper);
+	AddChild(fPanel);
+	if (fType != B_EMPTY_ALERT)
+		fPanel->AddChild(fSign = new SignView(fType));
+	fText = new BTextView(BRect(), "text", BRect(), B_FOLLOW_NONE);
+	fText->SetViewColor(paper);
+	fText->MakeEditable(false);
+	fText->SetText(text);
+	ViewData::Of(fText).proxy->Adjust<QPlainTextEdit>([](QPlainTextEdit& edit) {
+		// only for the pointer, so that the Tab key goes from button to button
+		edit.setFocusPolicy(Qt::ClickFocus);
+	});
+	fPanel->AddChild(fText);
+}
+
+void
+BAlert::AddButtons(const char* const labels[])
+{
 	int32 count = 0;
 	for (; count < kMaxButtons && labels[count] != NULL; count++) {
 		BMessage* message = new BMessage(kButtonPressed);
 		message->AddInt32("which", count);
 		fButtons[count] = new BButton(BRect(), "button", labels[count], message);
-		AddChild(fButtons[count]);
-		fButtons[count]->ResizeToPreferred();
-		widest = std::max(widest, fButtons[count]->Bounds().Width());
+		fPanel->AddChild(fButtons[count]);
 	}
+	if (count == 0)
+		return;
+	fButtons[count - 1]->MakeDefault(true);
+	fButtons[count - 1]->MakeFocus(true);
+}
+
+//! Answers how wide the row of them is.
+float
+BAlert::SizeButtons()
+{
+	float widest = fButtonWidth == B_WIDTH_AS_USUAL ? kUsualButtonWidth : 0;
+	const int32 count = CountButtons();
 	for (int32 i = 0; i < count; i++) {
-		if (width != B_WIDTH_FROM_LABEL)
-			fButtons[i]->ResizeTo(widest, fButtons[i]->Bounds().Height());
-		sum += fButtons[i]->Bounds().Width() + kMargin / 2;
+		fButtons[i]->ResizeToPreferred();
+		widest = std::max(widest, fButtons[i]->Bounds().Width());
 	}
-	if (count > 0)
-		fButtons[count - 1]->MakeDefault(true);
+	float sum = 0;
+	for (int32 i = 0; i < count; i++) {
+		if (fButtonWidth != B_WIDTH_FROM_LABEL)
+			fButtons[i]->ResizeTo(widest, fButtons[i]->Bounds().Height());
+		sum += fButtons[i]->Bounds().Width() + (i > 0 ? kButtonGap : 0);
+	}
 	return sum;
 }
 
 void
-BAlert::LayOut(BView* sign, BView* text, float buttonsWidth)
+BAlert::PlaceButtons(float right, float top)
 {
-	float left = kMargin;
-	float bottom = kMargin;
-	if (sign != NULL) {
-		AddChild(sign);
-		sign->MoveTo(left, kMargin);
-		sign->ResizeTo(kSignSize, kSignSize);
-		left += kSignSize + kMargin;
-		bottom += kSignSize;
-	}
-	AddChild(text);
-	const BSize size = static_cast<LabelView*>(text)->SizeWithin(kTextWidth);
-	text->MoveTo(left, kMargin);
-	text->ResizeTo(size.width, size.height);
-	bottom = std::max(bottom, kMargin + size.height) + kMargin;
-
-	const float width
-		= std::max({kMinWidth, left + size.width + kMargin, buttonsWidth + 2 * kMargin});
-	float right = width - kMargin;
-	float height = bottom;
 	for (int32 i = CountButtons() - 1; i >= 0; i--) {
-		const BRect bounds = fButtons[i]->Bounds();
-		fButtons[i]->MoveTo(right - bounds.Width(), bottom);
-		right -= bounds.Width() + kMargin / 2;
-		height = bottom + bounds.Height() + kMargin;
+		const float width = fButtons[i]->Bounds().Width();
+		fButtons[i]->MoveTo(right - width, top);
+		right -= width + kButtonGap;
 	}
-	ResizeTo(width, height);
-	const BRect screen = BScreen(this).Frame();
-	MoveTo(floorf(screen.left + (screen.Width() - width) / 2),
-		floorf(screen.top + std::max(0.0f, (screen.Height() - height) / 3)));
+}
+
+//! Broken where it is too wide, scrolled when it is too high.
+BSize
+BAlert::SizeText() const
+{
+	const auto size = ViewData::Of(fText).proxy->Ask<ServerTextArea>([](ServerTextArea& area) {
+		area.ensurePolished();
+		const int width = std::min<int>(area.IdealWidth(), kTextWidth);
+		return QSize(width + kTextRoom, area.HeightFor(width) + kTextRoom);
+	});
+	const float most = BScreen().Frame().Height() / 2;
+	if (!size)
+		return BSize(kTextWidth, 0);
+	const bool isCut = size->height() - 1 > most;
+	ViewData::Of(fText).proxy->Adjust<QPlainTextEdit>([isCut](QPlainTextEdit& edit) {
+		edit.setVerticalScrollBarPolicy(isCut ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+	});
+	const float bar = isCut ? kScrollBarRoom : 0;
+	return BSize(size->width() - 1 + bar, std::min(size->height() - 1.0f, most));
+}
+
+void
+BAlert::LayOut()
+{
+	const float buttonsWidth = SizeButtons();
+	const BSize text = SizeText();
+	float left = kMargin;
+	float bottom = kMargin + text.height;
+	float top = kMargin;
+	if (fSign != NULL) {
+		fSign->MoveTo(left, kMargin);
+		fSign->ResizeTo(kSignSize - 1, kSignSize - 1);
+		left += kSignSize + kMargin;
+		// a short text stands beside the middle of the sign
+		top += std::max(0.0f, floorf((kSignSize - 1 - text.height) / 2));
+		bottom = std::max(bottom, kMargin + kSignSize - 1);
+	}
+	fText->MoveTo(left, top);
+	fText->ResizeTo(text.width, text.height);
+	bottom += kMargin + 1;
+	const float width
+		= std::max({kMinWidth, left + text.width + kMargin, buttonsWidth + 2 * kMargin});
+	PlaceButtons(width - kMargin, bottom);
+	const float buttonHeight = fButtons[0] != NULL ? fButtons[0]->Bounds().Height() : 0;
+	ResizeTo(width, bottom + buttonHeight + kMargin);
+}
+
+//! In the middle of that window, as far as the screen allows, else somewhat above the screen's.
+static BPoint
+place_of(const BRect& box, const BRect& screen, const BWindow* around)
+{
+	BPoint place(screen.left + (screen.Width() - box.Width()) / 2,
+		screen.top + (screen.Height() - box.Height()) / 3);
+	if (around != NULL) {
+		const BRect frame = around->Frame();
+		place.x = frame.left + (frame.Width() - box.Width()) / 2;
+		place.y = frame.top + (frame.Height() - box.Height()) / 2;
+	}
+	place.x = std::max(std::min(place.x, screen.right - box.Width()), screen.left);
+	place.y = std::max(std::min(place.y, screen.bottom - box.Height()), screen.top);
+	return BPoint(floorf(place.x), floorf(place.y));
+}
+
+void
+BAlert::Open()
+{
+	LayOut();
+	const auto* around = dynamic_cast<BWindow*>(LooperAccess::OfThisThread());
+	if (around != NULL && (around->IsHidden() || around->IsMinimized()))
+		around = NULL;
+	MoveTo(place_of(Frame(), BScreen(this).Frame(), around));
+	Show();
 }
 
 void
@@ -196,9 +238,9 @@ BAlert::DispatchMessage(BMessage* message, BHandler* target)
 void
 BAlert::ButtonPressed(int32 index)
 {
-	int32 none = -1;
-	if (!fAnswer->which.compare_exchange_strong(none, index))
+	if (fWhich >= 0 || index < 0)
 		return;
+	fWhich = index;
 	if (fInvoker != NULL && fInvoker->Message() != NULL) {
 		BMessage message(*fInvoker->Message());
 		message.AddInt32("which", index);
@@ -223,21 +265,25 @@ BAlert::Shortcut(int32 index) const
 int32
 BAlert::Go()
 {
-	// From here on the box may be gone at any time.
-	const std::shared_ptr<AlertAnswer> answer = fAnswer;
-	BWindow* waiting = dynamic_cast<BWindow*>(BLooper::LooperForThread(find_thread(NULL)));
-	Show();
-	const bigtime_t interval = waiting != NULL ? kUpdateInterval : B_INFINITE_TIMEOUT;
-	while (acquire_sem_etc(answer->isThere, 1, B_RELATIVE_TIMEOUT, interval) == B_TIMED_OUT)
-		waiting->UpdateIfNeeded();
-	return answer->which;
+	// once it is open, it may be gone at any time
+	const std::shared_ptr<UserAnswer> answer = fAnswer;
+	const BMessenger box(this);
+	auto* waiting = dynamic_cast<BWindow*>(LooperAccess::OfThisThread());
+	Open();
+	const std::optional<int64> which = answer->Wait([waiting] {
+		if (waiting != NULL)
+			waiting->UpdateIfNeeded();
+	});
+	if (!which)
+		box.SendMessage(B_QUIT_REQUESTED);
+	return which.value_or(-1);
 }
 
 status_t
 BAlert::Go(BInvoker* invoker)
 {
 	fInvoker = invoker;
-	Show();
+	Open();
 	return B_OK;
 }
 
@@ -252,4 +298,16 @@ BAlert::CountButtons() const
 {
 	return std::count_if(std::begin(fButtons), std::end(fButtons),
 		[](const BButton* button) { return button != NULL; });
+}
+
+BTextView*
+BAlert::TextView() const
+{
+	return fText;
+}
+
+alert_type
+BAlert::Type() const
+{
+	return fType;
 }

@@ -65,7 +65,8 @@ MenuAccess::ModelOf(const BMenu& menu)
 		line.isSeparator = dynamic_cast<const BSeparatorItem*>(item) != NULL;
 		line.isEnabled = item->IsEnabled();
 		line.isMarked = item->IsMarked();
-		line.canBeMarked = item->fCanBeMarked || (model.isRadio && !line.isSeparator);
+		const bool isChoice = model.isRadio && !line.isSeparator && item->fSubmenu == NULL;
+		line.canBeMarked = item->fCanBeMarked || isChoice;
 		if (item->fSubmenu != NULL)
 			line.submenu = std::make_shared<MenuModel>(ModelOf(*item->fSubmenu));
 		model.lines.push_back(std::move(line));

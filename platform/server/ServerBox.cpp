@@ -1,6 +1,6 @@
 #include "server/ServerBox.h"
 
-#include <QStyleOptionGroupBox>
+#include <QStyleOption>
 #include <QStylePainter>
 
 namespace BPrivate {

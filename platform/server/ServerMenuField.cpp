@@ -4,7 +4,7 @@
 #include "server/WidgetProxy.h"
 
 #include <QKeyEvent>
-#include <QStyleOptionComboBox>
+#include <QStyleOption>
 
 namespace BPrivate {
 

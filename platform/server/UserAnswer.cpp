@@ -31,13 +31,18 @@ UserAnswer::Give(int64 answer)
 }
 
 std::optional<int64>
-UserAnswer::Wait()
+UserAnswer::Wait(const std::function<void()>& meanwhile)
 {
 	ASSERT(!on_server_thread());
 	BLooper* looper = LooperAccess::OfThisThread();
 	std::unique_lock lock(fMutex);
 	while (!fGiven.wait_for(lock, kLookAgain, [this] { return fAnswer.has_value(); })) {
-		if (looper != NULL && must_quit(looper))
+		lock.unlock();
+		const bool isOver = looper != NULL && must_quit(looper);
+		if (!isOver && meanwhile)
+			meanwhile();
+		lock.lock();
+		if (isOver)
 			break;
 	}
 	return fAnswer;

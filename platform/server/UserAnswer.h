@@ -2,6 +2,7 @@
 
 #include <SupportDefs.h>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -14,7 +15,8 @@ public:
 	//! The first one counts.
 	void Give(int64 answer);
 	//! Nothing when the looper of the calling thread finds a B_QUIT_REQUESTED, or its end, in its queue.
-	std::optional<int64> Wait();
+	//! `meanwhile`, if any, is called now and then.
+	std::optional<int64> Wait(const std::function<void()>& meanwhile = nullptr);
 
 private:
 	std::mutex fMutex;

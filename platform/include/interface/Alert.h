@@ -6,15 +6,17 @@
 
 class BButton;
 class BInvoker;
+class BTextView;
 
 //! Which sign stands beside an alert's text.
 enum alert_type { B_EMPTY_ALERT, B_INFO_ALERT, B_IDEA_ALERT, B_WARNING_ALERT, B_STOP_ALERT };
 
 namespace BPrivate {
-struct AlertAnswer;
+class UserAnswer;
 }
 
-/*!	A box with a text and up to three buttons, the last of which Enter presses. It stands in the middle of the screen.
+/*!	A box with a text and up to three buttons, the last of which Enter presses. It stands in the middle of the
+	window whose looper opens it, else of the screen. A text that is too long for it can be scrolled.
 	Owner: itself from Go() on, which ends when it is answered. Thread: made by any; then as every window. */
 class BAlert : public BWindow {
 public:
@@ -31,7 +33,8 @@ public:
 	void SetShortcut(int32 index, char key);
 	char Shortcut(int32 index) const;
 
-	/*!	Shows it and waits for the button that is pressed: its index, from 0, or -1 when the box is closed or quit, or the server has gone.
+	/*!	Shows it and waits for the button that is pressed: its index, from 0, or -1 when the box is closed or quit, the server
+		has gone, or the looper that waits is asked to quit.
 		Called by a window's looper, the window goes on drawing; messages wait. */
 	int32 Go();
 	/*!	Shows it and returns at once. When a button is pressed, the invoker's message is sent with "which" (int32, its index); a box that is
@@ -41,16 +44,30 @@ public:
 	//! NULL when out of range.
 	BButton* ButtonAt(int32 index) const;
 	int32 CountButtons() const;
+	//! The text, to be changed before Go().
+	BTextView* TextView() const;
+	alert_type Type() const;
 
 private:
 	static const int32 kMaxButtons = 3;
 
-	float AddButtons(const char* const labels[], button_width width);
-	void LayOut(BView* sign, BView* text, float buttonsWidth);
+	void AddPanel(const char* text);
+	void AddButtons(const char* const labels[]);
+	float SizeButtons();
+	void PlaceButtons(float right, float top);
+	BSize SizeText() const;
+	void LayOut();
+	void Open();
 	void ButtonPressed(int32 index);
 
+	BView* fPanel;
+	BView* fSign = nullptr;
+	BTextView* fText = nullptr;
 	BButton* fButtons[kMaxButtons] = {};
 	char fKeys[kMaxButtons] = {};
+	button_width fButtonWidth;
+	alert_type fType;
+	int32 fWhich = -1;
 	BInvoker* fInvoker = nullptr;
-	std::shared_ptr<BPrivate::AlertAnswer> fAnswer;
+	std::shared_ptr<BPrivate::UserAnswer> fAnswer;
 };
