@@ -8,6 +8,7 @@
 #include <memory>
 
 class BButton;
+class BFilePanel;
 class BListView;
 class BMenu;
 class BMenuBar;
@@ -41,6 +42,7 @@ private:
 	void VolumeChosen();
 	void StepVolume(int32 step);
 	void EntryInvoked(BMessage* message);
+	void MItemOpenClicked();
 	void FilesDropped(BMessage* message);
 	void AddOnsLoaded(BMessage* message);
 	void ProblemTold(BMessage* message);
@@ -62,5 +64,6 @@ private:
 	BButton* fPlay = nullptr;
 	BListView* fList = nullptr;
 	std::unique_ptr<BMessageRunner> fPulse;
+	std::unique_ptr<BFilePanel> fOpenPanel; // once it was asked for
 	bool fDragging = false; // the position is in the user's hand
 };
