@@ -80,4 +80,24 @@ place_beside(BRect frame, BRect other, const std::vector<BRect>& screens)
 	return moved_inside(frame, screen);
 }
 
+BPoint
+place_at_side(BRect frame, BRect other, side where, const std::vector<BRect>& screens)
+{
+	switch (where) {
+		case side::kLeft:
+			frame.OffsetTo(other.left - kBesideGap - frame.Width(), other.top);
+			break;
+		case side::kRight:
+			frame.OffsetTo(other.right + kBesideGap, other.top);
+			break;
+		case side::kAbove:
+			frame.OffsetTo(other.left, other.top - kTitleTabHeight - kBesideGap - frame.Height());
+			break;
+		case side::kBelow:
+			frame.OffsetTo(other.left, other.bottom + kTitleTabHeight + kBesideGap);
+			break;
+	}
+	return moved_inside(frame, nearest_screen(other, screens));
+}
+
 } // namespace merion

@@ -21,4 +21,9 @@ BPoint keep_on_screen(BRect frame, const std::vector<BRect>& screens);
 //! A place for the frame beside another window: right of it where that is inside its screen, else left of it.
 BPoint place_beside(BRect frame, BRect other, const std::vector<BRect>& screens);
 
+enum class side { kLeft, kRight, kAbove, kBelow };
+
+//! A place at that side of another window, with one edge in line, moved inside the other's screen where it is too small.
+BPoint place_at_side(BRect frame, BRect other, side where, const std::vector<BRect>& screens);
+
 } // namespace merion

@@ -10,7 +10,9 @@
 #include <Messenger.h>
 #include <NodeMonitor.h>
 
+#include "framework/TLLT.h"
 #include "framework/file_utils.h"
+#include "lyrics/TDisplayMenu.h"
 #include "lyrics/TTavoraDWin.h"
 #include "lyrics/lyrics_codes.h"
 #include "lyrics/lyrics_fname.h"
@@ -63,6 +65,7 @@ void
 TTavoraDView::AttachedToWindow()
 {
 	TMERView::AttachedToWindow();
+	MakeMenu();
 	if (gPref->fDoubleBuffering)
 		CreateOffScreen();
 	SetAppearance(true, false);
@@ -75,6 +78,7 @@ TTavoraDView::DetachedFromWindow()
 {
 	ClearLyricsNodeWatching();
 	fRunner.reset();
+	fMenu.reset();
 	DestroyOffScreen();
 	TMERView::DetachedFromWindow();
 }
@@ -176,9 +180,11 @@ TTavoraDView::LoadLyrics()
 void
 TTavoraDView::LoadPluginInfo()
 {
+	const std::string_view title = fFrontEnd.InfoTitle();
 	std::string text(gAppName);
-	text.append("\n\n").append(fFrontEnd.InfoTitle());
+	text.append("\n\n").append(title.empty() ? gLLT->Text("Info_No_Song") : title);
 	if (fSong.filename != nullptr) {
+		text.append("\n\n").append(gLLT->Text("Info_No_Lyrics"));
 		for (const char* extension : {"lrc", "txt"})
 			text.append("\n    ").append(leaf_of(merion::reext(fSong.Filename(), extension)));
 	}

@@ -12,6 +12,7 @@
 #include "lyrics/TTimeTable.h"
 
 class BBitmap;
+class TDisplayMenu;
 
 /*!	Shows the playing song's lyrics, with the line that belongs to the play time in the middle.
 	It asks the host for the play time at each interval of the preferences, loads the lyrics of a new song, and again when
@@ -32,6 +33,11 @@ public:
 	status_t GetSupportedSuites(BMessage* data) override;
 	void Draw(BRect updateRect) override;
 	void FrameResized(float newWidth, float newHeight) override;
+	// The secondary button opens the menu, dragging moves the window, a double click asks for the preferences.
+	void MouseDown(BPoint where) override;
+	void DoubleClicked(BPoint where, uint32 buttons, uint32 modifiers) override;
+	void DragStarted(BPoint where, uint32 buttons, uint32 modifiers) override;
+	void Dragged(BPoint where) override;
 
 	//! The look at the host, at each tick.
 	void PollingQuboInfoRqtd();
@@ -41,6 +47,18 @@ public:
 	std::string CurrentLineText() const;
 	//! Of the shown lines, the one in the middle.
 	int32 CurrentLine() const { return fCurrentLine; }
+
+	//! A window of that height shows so many lines, pixels.
+	float HeightOfLines(int32 count) const { return count * fLinePitch - 1; }
+	//! Opens the popup menu at a point of the view; without one, in its middle.
+	void ShowMenu(BPoint where);
+	void ShowMenu();
+	//! Does what the menu's item with that accelerator does.
+	void AcceleratorPressed(char key);
+
+	void LanguageChanged();
+	//! `message`: '_ipc', names the changed item.
+	void IAPChanged(const BMessage* message);
 
 	// The preferences were changed.
 	void PrefAppearanceChanged();
@@ -64,6 +82,10 @@ private:
 	void SetLyricsNodeWatching();
 	void ClearLyricsNodeWatching();
 	void NodeMonitor();
+
+	// The menu
+	void MakeMenu();
+	void UpdateMenu();
 
 	// Scripting
 	bool PropertyRequested(BMessage* message);
@@ -89,6 +111,9 @@ private:
 	bool fShowsLyrics = false;   // not the information about the plug-in
 	int32 fModificationTime = 0; // s since 1970, 0: there is no lyrics file
 	std::unique_ptr<BMessageRunner> fRunner;
+	std::unique_ptr<TDisplayMenu> fMenu;
+	bool fMovesWindow = false; // while dragging
+	BPoint fGrip;              // where the window is held then, from its left top corner
 	Qubo_FrontEnd fFrontEnd;
 	QuboSongEntry fSong; // all zero: none
 

@@ -7,17 +7,22 @@
 #include <Message.h>
 #include <Messenger.h>
 
-#include "framework/screen_utils.h"
+#include "framework/TLLT.h"
 #include "host/qubo_window.h"
+#include "lyrics/TDisplayMenu.h"
 #include "lyrics/TTavoraDView.h"
+#include "lyrics/lyrics_codes.h"
 #include "plugin/helpers/TCommMan.h"
 #include "plugin/helpers/TWMFilter.h"
 #include "plugin/helpers/commman_codes.h"
+#include "plugin/helpers/settings_files.h"
 #include "plugin/helpers/window_feel.h"
 #include "prefs/TExitState.h"
+#include "prefs/TPref.h"
 
 namespace {
 
+constexpr int32 kMenuKeyCode = 0x68; // of the keyboard's menu key
 constexpr float kMinWidth = 80;
 constexpr float kMinHeight = 24;
 constexpr float kMaxSize = 16384;
@@ -40,13 +45,14 @@ usable_frame(BRect frame)
 } // namespace
 
 TTavoraDWin::TTavoraDWin(BRect frame, TCommMan* manager)
-	: TMERWin(usable_frame(frame), "Lyrics", B_TITLED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL,
+	: TMERWin(usable_frame(frame), gLLT->Text("Win_Title_Display"), B_TITLED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL,
 		B_AVOID_FRONT | B_ASYNCHRONOUS_CONTROLS),
 	  fManager(manager),
 	  fView(new TTavoraDView(Bounds()))
 {
 	SetSizeLimits(kMinWidth, kMaxSize, kMinHeight, kMaxSize);
 	AddChild(fView);
+	TDisplayMenu::AddShortcuts(this);
 	set_proper_feel(this);
 	if (gExitState->Version().empty() || !merion::is_on_screen(Frame(), merion::screen_frames()))
 		OpenBesideHost();
@@ -66,6 +72,25 @@ TTavoraDWin::MessageReceived(BMessage* message)
 		case kHostWindowMoved:
 			HostWindowMoved();
 			break;
+		case kStayOnTopItemClicked:
+			PopMItemStayOnTopClicked();
+			break;
+		case kPositionItemClicked:
+			PopMItemPositionClicked(static_cast<merion::side>(message->GetInt32(kItemNumber, 0)));
+			break;
+		case kSizeItemClicked:
+			PopMItemSizeClicked(message->GetInt32(kItemNumber, kHostWidth));
+			break;
+		case kHideItemClicked:
+			PopMItemHideClicked();
+			break;
+		case kAcceleratorPressed:
+			fView->AcceleratorPressed(message->GetInt8("Key", 0));
+			break;
+		case B_UNMAPPED_KEY_DOWN:
+			if (message->GetInt32("key", 0) == kMenuKeyCode)
+				fView->ShowMenu();
+			break;
 		case kPrefStayOnTopChanged:
 			set_proper_feel(this);
 			break;
@@ -74,6 +99,12 @@ TTavoraDWin::MessageReceived(BMessage* message)
 			break;
 		case kPrefDoubleBufferingChanged:
 			fView->PrefDoubleBufferingChanged();
+			break;
+		case kLanguageChanged:
+			LanguageChanged();
+			break;
+		case kIAPChanged:
+			fView->IAPChanged(message);
 			break;
 		default:
 			TMERWin::MessageReceived(message);
@@ -99,19 +130,62 @@ TTavoraDWin::QuitRequested()
 	const BMessage* message = CurrentMessage();
 	if (message == nullptr || message->what != B_QUIT_REQUESTED)
 		return true;
-	if (!IsHidden())
-		Hide();
+	PopMItemHideClicked();
 	return false;
 }
 
 void
 TTavoraDWin::SetSongTitle(std::string_view song)
 {
-	std::string title("Lyrics");
+	fSongTitle = song;
+	std::string title(gLLT->Text("Win_Title_Display"));
 	if (!song.empty())
 		title.append(" – ").append(song);
 	if (title != Title())
 		SetTitle(title.c_str());
+}
+
+void
+TTavoraDWin::PopMItemStayOnTopClicked()
+{
+	gPref->fStayOnTop = !gPref->fStayOnTop;
+	set_proper_feel(this);
+	save_pref(false);
+	fManager->PostMessage(kStayOnTopItemChanged);
+}
+
+//! The user has placed it: it keeps that distance from now on.
+void
+TTavoraDWin::PopMItemPositionClicked(merion::side side)
+{
+	BRect host;
+	if (get_qubo_win_frame(&host) == 0)
+		MoveTo(merion::place_at_side(Frame(), host, side, merion::screen_frames()));
+}
+
+void
+TTavoraDWin::PopMItemSizeClicked(int32 lines)
+{
+	BRect host;
+	if (lines > 0)
+		ResizeTo(Frame().Width(), fView->HeightOfLines(lines));
+	else if (get_qubo_win_frame(&host) == 0)
+		ResizeTo(host.Width(), Frame().Height());
+	MoveTo(merion::keep_on_screen(Frame(), merion::screen_frames()));
+}
+
+void
+TTavoraDWin::PopMItemHideClicked()
+{
+	if (!IsHidden())
+		Hide();
+}
+
+void
+TTavoraDWin::LanguageChanged()
+{
+	SetSongTitle(std::string(fSongTitle));
+	fView->LanguageChanged();
 }
 
 void

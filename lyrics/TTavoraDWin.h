@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "framework/TMERWin.h"
+#include "framework/screen_utils.h"
 
 class TCommMan;
 class TTavoraDView;
@@ -33,6 +34,13 @@ public:
 	void SetSongTitle(std::string_view title);
 
 private:
+	// The popup menu
+	void PopMItemStayOnTopClicked();
+	void PopMItemPositionClicked(merion::side side);
+	void PopMItemSizeClicked(int32 lines);
+	void PopMItemHideClicked();
+
+	void LanguageChanged();
 	void OpenBesideHost();
 	void WatchHostWindow();
 	void LeaveHostWindow();
@@ -43,6 +51,8 @@ private:
 
 	TCommMan* const fManager;
 	TTavoraDView* fView; // the window deletes it
+
+	std::string fSongTitle;
 
 	BWindow* fHostWindow = nullptr; // may be gone: only its Lock() tells
 	TWMFilter* fFilter = nullptr;   // belongs to the host's window

@@ -3,9 +3,15 @@
 #include <cstring>
 #include <string>
 
+#include "framework/TAppPrivacy.h"
+#include "framework/TIAPItemAccKeyFormat.h"
+#include "framework/TInterAppPrefs.h"
+#include "framework/TLLT.h"
+#include "framework/dialogs.h"
 #include "plugin/TTavoraDCommMan.h"
 #include "plugin/helpers/commman_codes.h"
 #include "plugin/helpers/load_language.h"
+#include "plugin/helpers/own_file.h"
 #include "plugin/helpers/settings_files.h"
 #include "prefs/TExitState.h"
 #include "prefs/TPref.h"
@@ -24,6 +30,12 @@ heap_copy(const std::string& text)
 	return copy;
 }
 
+std::string
+chosen_language_file()
+{
+	return gPref->fLanguageFile.Get();
+}
+
 template<typename T>
 void
 delete_singleton(T*& singleton)
@@ -40,9 +52,16 @@ TTavoraD::TTavoraD(PluginConstructorStruct*)
 	infoLine = heap_copy(std::string(gAppName) + "  by MERION");
 	reserved = 0;
 	reservedFlag = false;
+	merion::allow_alerts();
+	gAppPrivacy = new merion::TAppPrivacy(chosen_language_file);
 	gExitState = new TExitState;
+	gIAP = new merion::TInterAppPrefs;
+	gIAP->SetAppSignatureRef(gAppSignature);
+	gIAP->AddItem(new merion::TIAPItemAccKeyFormat);
 	gPref = new TPref;
 	load_global(kShortName, kExitStateName);
+	gLLT = new merion::TLLT;
+	load_language(tavora_displayer_fname().c_str());
 	fCommMan = new TTavoraDCommMan;
 	fCommMan->Run();
 }
@@ -50,10 +69,14 @@ TTavoraD::TTavoraD(PluginConstructorStruct*)
 TTavoraD::~TTavoraD()
 {
 	save_exit_state(kShortName, kExitStateName);
+	// The manager may be waiting for the user in one.
+	merion::dismiss_alerts();
 	if (fCommMan->Lock())
 		fCommMan->Quit();
 	delete_singleton(gExitState);
+	delete_singleton(gLLT);
 	delete_singleton(gPref);
+	delete_singleton(gAppPrivacy);
 }
 
 int32

@@ -3,3 +3,4 @@
 const char* const gAppName = "Tavora Displayer";
 const char* const gAppSignature = "application/x-vnd.MERION-TavoraDisplayer";
 const char* const gAppVer = TAVORA_VERSION;
+const char* const gAuthorWebURL = TAVORA_WEB_PAGE;

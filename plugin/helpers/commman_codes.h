@@ -2,6 +2,8 @@
 
 #include <SupportDefs.h>
 
+#include "framework/framework_codes.h"
+
 /*!	The messages of the communication manager. No code has a reply. "Preferences" means all fields of TPref::Archive(),
 	which the manager adds before it forwards a notice to the editor's manager. */
 
@@ -32,13 +34,12 @@ constexpr uint32 kOpenRefs = '_RRC'; // "refs" (ref)
 // Languages.
 constexpr uint32 kPrefLanguageChanged
 	= 'plgc'; // preferences view, manager -> manager: another one was chosen   none
-constexpr uint32 kLanguageChanged
-	= '_lgc'; // manager -> itself, windows, editor's manager: gLLT holds it    none
+using merion::kLanguageChanged; // manager -> itself, windows, editor's manager
 constexpr uint32 kLanguageFileChanged
 	= '_nlc'; // TNodeMonitorHandler -> manager -> preferences window           none
 
 // A preference of all the maker's applications has changed: application -> TIAPFilter -> manager -> windows.
-constexpr uint32 kIAPChanged = '_ipc'; // see TInterAppPrefs
+using merion::kIAPChanged;
 
 // A manager greets the other when it finds it.
 constexpr uint32 kCommManConnected

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <Alert.h>
+#include <Button.h>
+#include <Entry.h>
+#include <List.h>
 #include <Message.h>
 #include <MessageFilter.h>
 #include <Messenger.h>
@@ -70,6 +74,15 @@ private:
 	std::vector<BMessage> fReceived;
 };
 
+int
+count_windows()
+{
+	int count = 0;
+	for (int32 i = 0; be_app->WindowAt(i) != nullptr; i++)
+		count++;
+	return count;
+}
+
 void
 quit(BLooper* looper)
 {
@@ -77,7 +90,79 @@ quit(BLooper* looper)
 		looper->Quit();
 }
 
-class CommManTest : public DisplayFixture { };
+/*!	The displayer's manager, which also keeps what it is asked for. */
+class WatchedManager : public TTavoraDCommMan {
+public:
+	void MessageReceived(BMessage* message) override
+	{
+		{
+			std::lock_guard locker(fReceivedLock);
+			fReceived.push_back(*message);
+		}
+		TTavoraDCommMan::MessageReceived(message);
+	}
+
+	bool HasReceived(uint32 what, BMessage* found = nullptr)
+	{
+		std::lock_guard locker(fReceivedLock);
+		for (const BMessage& message : fReceived) {
+			if (message.what == what && found != nullptr)
+				*found = message;
+			if (message.what == what)
+				return true;
+		}
+		return false;
+	}
+
+private:
+	std::mutex fReceivedLock;
+	std::vector<BMessage> fReceived;
+};
+
+class CommManTest : public DisplayFixture {
+protected:
+	CommManTest() : fPathBefore(getenv("PATH"))
+	{
+		// The desktop's opener writes down what it is to open.
+		fBin.Write("xdg-open", "#!/bin/sh\nprintf %s \"$1\" > '" + (fBin / "opened") + "'\n");
+		std::filesystem::permissions(fBin / "xdg-open", std::filesystem::perms::all);
+		setenv("PATH", (fBin.Path() + ":" + fPathBefore).c_str(), 1);
+	}
+	~CommManTest() override { setenv("PATH", fPathBefore.c_str(), 1); }
+
+	static BMessage OpenLyrics(const std::string& path)
+	{
+		entry_ref ref;
+		EXPECT_EQ(get_ref_for_path(path.c_str(), &ref), B_OK);
+		BMessage request(kOpenLyrics);
+		request.AddRef("LyricsERef", &ref);
+		return request;
+	}
+
+	//! The box that is open, null without one; it may close at any time.
+	static BWindow* OpenBox()
+	{
+		BWindow* window;
+		for (int32 i = 0; (window = be_app->WindowAt(i)) != nullptr; i++) {
+			if (dynamic_cast<BAlert*>(window) != nullptr)
+				return window;
+		}
+		return nullptr;
+	}
+
+	static void AnswerBox(int32 button)
+	{
+		ASSERT_TRUE(wait_until([] { return OpenBox() != nullptr; }));
+		BAlert* box = dynamic_cast<BAlert*>(OpenBox());
+		ASSERT_TRUE(box->Lock());
+		box->ButtonAt(button)->Invoke();
+		box->Unlock();
+		EXPECT_TRUE(wait_until([] { return OpenBox() == nullptr; }));
+	}
+
+	TempFolder fBin;
+	std::string fPathBefore;
+};
 
 } // namespace
 
@@ -175,34 +260,135 @@ TEST_F(CommManTest, OpensOneWindowAndClosesIt)
 {
 	TTavoraDCommMan* manager = new TTavoraDCommMan;
 	manager->Run();
-	const auto countWindows = [] {
-		int count = 0;
-		for (int32 i = 0; be_app->WindowAt(i) != nullptr; i++)
-			count++;
-		return count;
-	};
 	for (const uint32 close : {'Scar', 'Scpr', 'Scsr', 'Scmr'})
 		manager->PostMessage(close);
 	for (int round = 0; round < 3; round++) {
 		manager->PostMessage('Somr');
 		manager->PostMessage('Somr');
-		EXPECT_TRUE(wait_until([&] { return countWindows() == 1; }));
+		EXPECT_TRUE(wait_until([&] { return count_windows() == 1; }));
 		manager->PostMessage('Spac');
 		manager->PostMessage('Scmr');
-		EXPECT_TRUE(wait_until([&] { return countWindows() == 0; }));
+		EXPECT_TRUE(wait_until([&] { return count_windows() == 0; }));
 	}
 
 	// The application may quit the window by itself.
 	manager->PostMessage('Somr');
-	ASSERT_TRUE(wait_until([&] { return countWindows() == 1; }));
+	ASSERT_TRUE(wait_until([&] { return count_windows() == 1; }));
 	BWindow* window = be_app->WindowAt(0);
 	ASSERT_TRUE(window->Lock());
 	window->Quit();
 	manager->PostMessage('Spac');
 	manager->PostMessage('Somr');
-	EXPECT_TRUE(wait_until([&] { return countWindows() == 1; }));
+	EXPECT_TRUE(wait_until([&] { return count_windows() == 1; }));
 	quit(manager);
-	EXPECT_EQ(countWindows(), 0) << "the manager leaves its window open";
+	EXPECT_EQ(count_windows(), 0) << "the manager leaves its window open";
+}
+
+TEST_F(CommManTest, PlacesWindowsBesideTheMainOne)
+{
+	WatchedManager* manager = new WatchedManager;
+	manager->Run();
+	manager->PostMessage('Spar');
+	BMessage request;
+	ASSERT_TRUE(wait_until([&] { return manager->HasReceived('Soar', &request); }));
+	EXPECT_FALSE(request.GetBool("BesideDlg", true));
+	EXPECT_FALSE(request.HasRect("WinFrame"));
+	manager->PostMessage('Somr');
+	manager->PostMessage('_ABR');
+	ASSERT_TRUE(wait_until([&] {
+		return manager->HasReceived('_ABR') && manager->HasReceived('Soar', &request)
+			&& count_windows() == 2;
+	}));
+	manager->PostMessage('Scar');
+	EXPECT_TRUE(wait_until([] { return count_windows() == 1; })) << "about stays open";
+	manager->PostMessage('pscc');
+	EXPECT_TRUE(wait_until([] { return count_windows() == 2; })) << "no common preferences";
+	manager->PostMessage('Scsr');
+	EXPECT_TRUE(wait_until([] { return count_windows() == 1; }));
+	quit(manager);
+	EXPECT_EQ(count_windows(), 0);
+}
+
+TEST_F(CommManTest, HandsLyricsToTheEditor)
+{
+	Manager* editor = new Manager("TavoraE Communication Manager", "TavoraD Communication Manager");
+	editor->Run();
+	TTavoraDCommMan* manager = new TTavoraDCommMan;
+	manager->Run();
+	ASSERT_TRUE(wait_until([&] { return editor->HasReceived(kCommManConnected); }));
+	BMessage request = OpenLyrics(fFolder / "not there.lrc");
+	manager->PostMessage(&request);
+	ASSERT_TRUE(wait_until([&] { return editor->HasReceived('_RRC'); }));
+	entry_ref ref;
+	EXPECT_EQ(editor->Received().back().FindRef("refs", &ref), B_OK);
+	EXPECT_STREQ(ref.name, "not there.lrc");
+	EXPECT_EQ(OpenBox(), nullptr);
+	quit(manager);
+	quit(editor);
+}
+
+TEST_F(CommManTest, OpensLyricsWithTheDesktopAndAsksBeforeItMakesThem)
+{
+	TTavoraDCommMan* manager = new TTavoraDCommMan;
+	manager->Run();
+	const std::string path = fFolder / "new song #1 %20 歌.lrc";
+	BMessage request = OpenLyrics(path);
+	manager->PostMessage(&request);
+	AnswerBox(1);
+	EXPECT_FALSE(std::filesystem::exists(path)) << "made in spite of No";
+	manager->PostMessage(&request);
+	AnswerBox(0);
+	EXPECT_TRUE(wait_until([&] { return fBin.Read("opened") == path; })) << fBin.Read("opened");
+	EXPECT_EQ(std::filesystem::file_size(path), 0u);
+
+	// There now: opened without a question. Without an opener, that is told.
+	std::filesystem::remove(fBin / "opened");
+	manager->PostMessage(&request);
+	EXPECT_TRUE(wait_until([&] { return fBin.Read("opened") == path; }));
+	setenv("PATH", "/nowhere", 1);
+	manager->PostMessage(&request);
+	AnswerBox(0);
+	BMessage empty(kOpenLyrics);
+	manager->PostMessage(&empty);
+	quit(manager);
+	EXPECT_EQ(OpenBox(), nullptr);
+}
+
+TEST_F(CommManTest, EndsWhileItAsks)
+{
+	TTavoraDCommMan* manager = new TTavoraDCommMan;
+	manager->Run();
+	const std::string path = fFolder / "song.lrc";
+	BMessage request = OpenLyrics(path);
+	manager->PostMessage(&request);
+	manager->PostMessage(&request);
+	ASSERT_TRUE(wait_until([] { return OpenBox() != nullptr; }));
+	const bigtime_t before = system_time();
+	merion::dismiss_alerts();
+	quit(manager);
+	EXPECT_LT(system_time() - before, 1000000);
+	EXPECT_FALSE(std::filesystem::exists(path));
+	EXPECT_EQ(OpenBox(), nullptr);
+}
+
+TEST_F(CommManTest, HearsOfSharedPreferencesUntilItEnds)
+{
+	WatchedManager* manager = new WatchedManager;
+	manager->Run();
+	BMessage notice('_ipc');
+	notice.AddString("IAP:SrcIAPItem", "AccKeyFormat");
+	notice.AddInt32("AccKeyFormat", 2);
+	be_app->PostMessage(&notice);
+	EXPECT_TRUE(wait_until([] {
+		int32 format;
+		return gIAP->GetValue("AccKeyFormat", &format) == B_OK && format == 2;
+	}));
+	EXPECT_TRUE(manager->HasReceived('_ipc'));
+	quit(manager);
+	ASSERT_TRUE(be_app->Lock());
+	const BList* filters = be_app->CommonFilterList();
+	EXPECT_TRUE(filters == nullptr || filters->IsEmpty()) << "the filter stays on the application";
+	be_app->Unlock();
 }
 
 TEST_F(CommManTest, TheWindowFilterTellsAndLetsThrough)

@@ -7,7 +7,13 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "framework/TAppPrivacy.h"
+#include "framework/TIAPItemAccKeyFormat.h"
+#include "framework/TInterAppPrefs.h"
+#include "framework/TLLT.h"
+#include "framework/dialogs.h"
 #include "host/QuboProtocol.h"
 #include "prefs/TExitState.h"
 #include "prefs/TPref.h"
@@ -15,7 +21,7 @@
 #include "support/temp_folder.h"
 #include "support/wait_until.h"
 
-/*!	What a test of the display needs: the two records, a host, and a folder with the songs' lyrics. */
+/*!	What a test of the display needs: the add-on's singletons, a host, and a folder with the songs' lyrics. */
 class DisplayFixture : public testing::Test {
 protected:
 	DisplayFixture()
@@ -24,14 +30,21 @@ protected:
 		gPref = new TPref;
 		gPref->fMonitoringInterval = 2000;
 		gExitState = new TExitState;
+		gAppPrivacy = new merion::TAppPrivacy([] { return gPref->fLanguageFile.Get(); });
+		gIAP = new merion::TInterAppPrefs;
+		gIAP->AddItem(new merion::TIAPItemAccKeyFormat);
+		gLLT = new merion::TLLT;
+		EXPECT_EQ(gLLT->Load(TEST_DATA "/../../Language/English.llt"), B_OK);
+		merion::allow_alerts();
 	}
 
 	~DisplayFixture() override
 	{
-		delete gPref;
-		delete gExitState;
-		gPref = nullptr;
-		gExitState = nullptr;
+		Delete(gPref);
+		Delete(gExitState);
+		Delete(gAppPrivacy);
+		Delete(gIAP);
+		Delete(gLLT);
 	}
 
 	//! An entry of the playlist whose lyrics are the folder's NAME.lrc or .txt.
@@ -62,6 +75,8 @@ protected:
 	TempFolder fFolder;
 
 private:
+	template<typename T> static void Delete(T*& singleton) { delete std::exchange(singleton, nullptr); }
+
 	std::filesystem::file_time_type NextTime()
 	{
 		fTime += std::chrono::seconds(2);
