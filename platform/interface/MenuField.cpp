@@ -41,14 +41,13 @@ BMenuField::BMenuField(BRect frame, const char* name, const char* label, BMenu* 
 	: BMenuField(frame, name, label, menu, false, resizingMode, flags)
 { }
 
-BMenuField::BMenuField(BRect frame, const char* name, const char* label, BMenu* menu,
-	bool fixedSize, uint32 resizingMode, uint32 flags)
+BMenuField::BMenuField(BRect frame, const char* name, const char* label, BMenu* menu, bool,
+	uint32 resizingMode, uint32 flags)
 	: BView(frame, name, resizingMode, flags),
 	  fLabel(label != NULL ? strdup(label) : NULL),
 	  fAlignment(B_ALIGN_LEFT),
 	  fDivider(label != NULL && *label != 0 ? floorf(frame.Width() / 2) : 0),
-	  fEnabled(true),
-	  fFixedSize(fixedSize)
+	  fEnabled(true)
 {
 	Init(menu);
 }

@@ -53,5 +53,4 @@ private:
 	alignment fAlignment;
 	float fDivider;
 	bool fEnabled;
-	bool fFixedSize;
 };
