@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QSpinBox>
 #include <QStyleOptionFocusRect>
 
@@ -19,12 +20,13 @@ static constexpr int kMinRampHeight = 16;
 static constexpr int kMargin = 6; // of the gradient: half the mark's width
 static constexpr int kSpace = 4;
 // the toolkit has them translated, with the marks of their keys
-static constexpr const char* kLabels[] = {"Re&d:", "&Green:", "Bl&ue:"};
+static constexpr const char* kLabels[] = {"&Red:", "&Green:", "Bl&ue:"};
 
 static QString
 label_text(int index)
 {
-	return QCoreApplication::translate("QColorDialog", kLabels[index]).remove(u'&');
+	static const QRegularExpression kKey("\\s*\\(&.\\)|&");
+	return QCoreApplication::translate("QColorDialog", kLabels[index]).remove(kKey);
 }
 
 static QString

@@ -5,8 +5,10 @@
 #include <QAbstractItemView>
 #include <QCoreApplication>
 #include <QFileSystemModel>
+#include <QHeaderView>
 #include <QHideEvent>
 #include <QLineEdit>
+#include <QTreeView>
 #include <StorageDefs.h>
 
 namespace BPrivate {
@@ -24,6 +26,9 @@ ServerFilePanel::ServerFilePanel(const FilePanelTraits& traits) : fTraits(traits
 	setOption(ShowDirsOnly, !traits.save && !traits.files);
 	// the window's frame counts, not the place where a dialog would go
 	setAttribute(Qt::WA_Moved);
+	setAutoFillBackground(true);
+	setSizeGripEnabled(false);
+	findChild<QTreeView*>("treeView")->header()->setSectionResizeMode(0, QHeaderView::Stretch);
 	for (const char* name : {"fileTypeLabel", "fileTypeCombo"}) {
 		if (auto* widget = findChild<QWidget*>(name))
 			widget->hide();
@@ -151,11 +156,13 @@ ServerFilePanel::GoTyped(const QString& text)
 QStringList
 ServerFilePanel::ChosenPaths(const QString& text) const
 {
-	// the toolkit takes quotation marks for those around several names
-	const QFileInfo typed(directory(), text);
-	if (!text.isEmpty() && SelectedPaths().isEmpty() && typed.exists())
-		return {typed.absoluteFilePath()};
-	return selectedFiles();
+	// by what is selected and not by the text, in which the toolkit puts quotation marks around several names
+	const QStringList selected = SelectedPaths();
+	if (!selected.isEmpty())
+		return selected;
+	if (!text.isEmpty())
+		return {QFileInfo(directory(), text).absoluteFilePath()};
+	return fTraits.files ? QStringList() : QStringList(directory().absolutePath());
 }
 
 void
@@ -247,7 +254,6 @@ void
 ServerFilePanel::Enter(const QString& folder)
 {
 	setDirectory(folder);
-	// the way that was typed may be selected, out of sight
 	Selection()->clear();
 }
 
@@ -263,13 +269,17 @@ ServerFilePanel::NameEdit() const
 	return findChild<QLineEdit*>("fileNameEdit");
 }
 
+//! A way that is typed is selected too, out of sight.
 QStringList
 ServerFilePanel::SelectedPaths() const
 {
 	QStringList paths;
+	const QModelIndex shown = findChild<QAbstractItemView*>("listView")->rootIndex();
 	const QModelIndexList rows = Selection()->selectedRows();
-	for (const QModelIndex& row : rows)
-		paths.append(row.data(QFileSystemModel::FilePathRole).toString());
+	for (const QModelIndex& row : rows) {
+		if (row.parent() == shown)
+			paths.append(row.data(QFileSystemModel::FilePathRole).toString());
+	}
 	return paths;
 }
 

@@ -65,3 +65,12 @@ TEST(Exit, OneThatRefusesIsLeftAfterASecond)
 	EXPECT_GE(end.seconds, 1);
 	EXPECT_LT(end.seconds, 20);
 }
+
+TEST(Exit, AnOpenFilePanelDoesNotKeepTheProgram)
+{
+	End end = run_probe("panel");
+	ASSERT_TRUE(WIFEXITED(end.status)) << "it died of signal " << WTERMSIG(end.status);
+	EXPECT_EQ(WEXITSTATUS(end.status), 0);
+	EXPECT_EQ(end.saved, "saved");
+	EXPECT_LT(end.seconds, 20);
+}

@@ -3,6 +3,7 @@
 #include "server/ServerColorControl.h"
 #include "server/ServerFilePanel.h"
 
+#include <Application.h>
 #include <ColorControl.h>
 #include <Directory.h>
 #include <FilePanel.h>
@@ -144,6 +145,7 @@ protected:
 			}
 			return true;
 		});
+		settle(fPanel->Window());
 	}
 	//! Into the name's field, as a user does.
 	void Type(const char* text)
@@ -191,6 +193,12 @@ protected:
 	TempFolder fFolder;
 	Target* fTarget;
 	std::unique_ptr<Panel> fPanel;
+};
+
+class RefusingWindow : public BWindow {
+public:
+	RefusingWindow() : BWindow(BRect(0, 0, 99, 99), "refusing", B_TITLED_WINDOW, 0) { }
+	bool QuitRequested() override { return false; }
 };
 
 class ColorWindow : public BWindow {
@@ -324,6 +332,7 @@ TEST_F(PanelTest, TypedNamesLeadSomewhereOrNowhere)
 	Type("sub folder/");
 	Press(Qt::Key_Return);
 	EXPECT_TRUE(wait_until([this] { return Count() == 0; }));
+	settle(fPanel->Window());
 	entry_ref ref;
 	fPanel->GetPanelDirectory(&ref);
 	EXPECT_STREQ(ref.name, "sub folder");
@@ -419,7 +428,7 @@ TEST_F(PanelTest, LabelsSelectionAndFolderAreTheProgramsToo)
 		"Take && go");
 	Select({"a.png", "plain.txt"});
 	entry_ref ref;
-	EXPECT_TRUE(wait_until([this] { return fPanel->selections > 0; }));
+	EXPECT_GE(fPanel->selections, 1);
 	fPanel->Rewind();
 	EXPECT_EQ(fPanel->GetNextSelectedRef(&ref), B_OK);
 	EXPECT_STREQ(ref.name, "a.png");
@@ -453,12 +462,16 @@ TEST_F(PanelTest, ItMayBeDeletedWhileItsOwnMenuIsOpen)
 	}));
 }
 
-TEST_F(PanelTest, ItOutlivesItsWindow)
+TEST_F(PanelTest, ItsWindowGoesWithTheApplicationOnly)
 {
 	Make(B_OPEN_PANEL);
 	Show(5);
+	{
+		WindowHolder<RefusingWindow> refusing;
+		EXPECT_FALSE(be_app->QuitRequested());
+	}
+	EXPECT_TRUE(fPanel->IsShowing());
 	BWindow* window = fPanel->Window();
-	// as the application does when it quits
 	ASSERT_TRUE(window->Lock());
 	EXPECT_TRUE(window->QuitRequested());
 	window->Quit();
