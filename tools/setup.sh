@@ -1,7 +1,7 @@
 # Sourced by run, test and .ci/run: Debian packages and build folders.
 
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
-	qt6-base-dev libgl-dev libxcb1-dev libmpv-dev libtag1-dev libarchive-dev libgtest-dev libgmock-dev
+	qt6-base-dev qt6-translations-l10n libgl-dev libxcb1-dev libmpv-dev libtag1-dev libarchive-dev libgtest-dev libgmock-dev
 	fonts-ipafont-gothic fonts-noto-color-emoji)
 TEST_PACKAGES=(python3 x11-apps clang-format-14 xvfb xauth openbox xdotool x11-utils dbus)
 FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)

@@ -15,6 +15,7 @@
 #include <ListView.h>
 #include <Message.h>
 #include <MessageFilter.h>
+#include <QLineEdit>
 #include <QPushButton>
 #include <StringItem.h>
 #include <StringView.h>
@@ -181,6 +182,35 @@ TEST_F(PlayerWindowTest, TakesWhatIsDroppedOnItAndPlaysItWhenNothingPlays)
 	EXPECT_EQ(fState.CountEntries(), 5);
 	EXPECT_TRUE(wait_until([&] { return Line(3) == "▶ a.wav"; })) << Line(3);
 	EXPECT_EQ(Line(4), "b.wav");
+}
+
+//! The only window beside the player's.
+BWindow*
+other_window(BWindow* window)
+{
+	for (int32 i = 0; BWindow* other = be_app->WindowAt(i); i++) {
+		if (other != window)
+			return other;
+	}
+	return nullptr;
+}
+
+TEST_F(PlayerWindowTest, OpensFilesAndFoldersByItsPanel)
+{
+	std::filesystem::create_directory(fDir / "曲 #1");
+	write_wave(fDir / "曲 #1/a.wav", 20);
+	type_key(fWindow, Qt::Key_O, Qt::AltModifier);
+	ASSERT_TRUE(wait_until([&] { return other_window(fWindow) != nullptr; }));
+	settle(other_window(fWindow));
+	on_server(other_window(fWindow),
+		[folder = QString::fromStdString(fDir / "曲 #1")](BPrivate::ServerWindow& server) {
+			auto name = server.findChild<QLineEdit*>("fileNameEdit");
+			name->setText(folder);
+			QTest::keyClick(name, Qt::Key_Return);
+			return true;
+		});
+	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "a.wav") == 0; })) << Info().title;
+	EXPECT_EQ(fState.CountEntries(), 4);
 }
 
 class QuitWatch : public BMessageFilter {
