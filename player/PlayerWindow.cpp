@@ -388,8 +388,8 @@ PlayerWindow::MItemOpenClicked()
 {
 	if (fOpenPanel == nullptr) {
 		BMessenger target(this);
-		fOpenPanel.reset(new BFilePanel(
-			B_OPEN_PANEL, &target, nullptr, B_FILE_NODE | B_DIRECTORY_NODE));
+		fOpenPanel.reset(
+			new BFilePanel(B_OPEN_PANEL, &target, nullptr, B_FILE_NODE | B_DIRECTORY_NODE));
 	}
 	fOpenPanel->Show();
 }

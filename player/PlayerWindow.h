@@ -65,5 +65,5 @@ private:
 	BListView* fList = nullptr;
 	std::unique_ptr<BMessageRunner> fPulse;
 	std::unique_ptr<BFilePanel> fOpenPanel; // once it was asked for
-	bool fDragging = false; // the position is in the user's hand
+	bool fDragging = false;                 // the position is in the user's hand
 };
