@@ -1,6 +1,6 @@
 #include "app/LooperList.h"
 
-#include "app/Deadline.h"
+#include "kernel/Deadline.h"
 #include "app/LooperLock.h"
 #include "app/MessagePort.h"
 #include <algorithm>
@@ -19,7 +19,7 @@ struct Entry {
 	std::shared_ptr<MessagePort> port;
 	BWindow* window;
 	std::string name;
-	bool quitsLast = false;
+	QuitOrder quits = kQuitsAsUsual;
 };
 
 struct List {
@@ -61,9 +61,9 @@ items(bool windowsOnly)
 {
 	std::shared_lock lock(list().lock);
 	std::vector<Item> found;
-	for (bool last : {false, true}) {
+	for (QuitOrder order : {kQuitsFirst, kQuitsAsUsual, kQuitsLast}) {
 		for (const Entry& entry : list().entries) {
-			if (entry.quitsLast == last && (entry.window != nullptr || !windowsOnly))
+			if (entry.quits == order && (entry.window != nullptr || !windowsOnly))
 				found.push_back({entry.looper, entry.window});
 		}
 	}
@@ -113,11 +113,11 @@ SetWindow(BLooper* looper, BWindow* window)
 }
 
 void
-SetQuitsLast(BLooper* looper)
+SetQuitOrder(BLooper* looper, QuitOrder order)
 {
 	std::unique_lock lock(list().lock);
 	if (Entry* entry = entry_of(looper))
-		entry->quitsLast = true;
+		entry->quits = order;
 }
 
 std::shared_ptr<LooperLock>

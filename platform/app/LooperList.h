@@ -21,8 +21,13 @@ void Remove(BLooper* looper);
 void SetName(BLooper* looper, const char* name);
 //! NULL: it is no window (any more).
 void SetWindow(BLooper* looper, BWindow* window);
-//! For a window that cannot refuse to quit: the lists name it after those that can.
-void SetQuitsLast(BLooper* looper);
+//! When the lists name a window, which is when it is asked to quit with all the others.
+enum QuitOrder {
+	kQuitsFirst, // another one waits for it, locked
+	kQuitsAsUsual,
+	kQuitsLast, // it cannot refuse to quit
+};
+void SetQuitOrder(BLooper* looper, QuitOrder order);
 
 //! NULL when the looper is gone.
 std::shared_ptr<LooperLock> LockOf(const BLooper* looper);

@@ -1,4 +1,5 @@
 #include "app/LooperAccess.h"
+#include "app/LooperList.h"
 #include "interface/ViewData.h"
 #include "server/ServerSign.h"
 #include "server/ServerText.h"
@@ -61,6 +62,7 @@ BAlert::BAlert(const char* title, const char* text, const char* button1, const c
 	  fType(type),
 	  fAnswer(std::make_shared<UserAnswer>())
 {
+	LooperList::SetQuitOrder(this, LooperList::kQuitsFirst);
 	const char* labels[kMaxButtons] = {button1, button2, button3};
 	AddPanel(text);
 	AddButtons(labels);

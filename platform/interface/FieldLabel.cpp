@@ -24,12 +24,16 @@ adjust_label(BView& field, Function change)
 }
 
 void
-FieldLabel::Init(BView& field)
+FieldLabel::Init(BView& field, BView* part)
 {
 	ViewData::Of(&field).SetProxy(std::make_unique<WidgetProxy>(
 		WidgetProxy::MakerOf<ServerFieldLabel>([](ServerFieldLabel*, ProxySink*) {}),
 		[](BMessage*) {}));
 	SetAlignment(field, B_ALIGN_LEFT);
+	field.AddChild(part);
+	adjust_label(field, [id = ViewData::Of(part).proxy->Id()](ServerFieldLabel& widget) {
+		widget.SetPart(Registry::Default().Find(id));
+	});
 }
 
 void
@@ -45,7 +49,7 @@ void
 FieldLabel::SetLabel(BView& field, BView& part, const char* label)
 {
 	adjust_label(field,
-		[text = QString::fromUtf8(label)](ServerFieldLabel& widget) { widget.setText(text); });
+		[text = QString::fromUtf8(label)](ServerFieldLabel& widget) { widget.SetLabel(text); });
 	const QString spoken = QString::fromUtf8(is_empty(label) ? field.Name() : label);
 	ViewData::Of(&part).proxy->Adjust<QWidget>(
 		[spoken](QWidget& widget) { widget.setAccessibleName(spoken); });

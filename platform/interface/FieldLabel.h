@@ -9,8 +9,9 @@ namespace BPrivate {
 	widget of the field's own, and the part that is labelled, a child at the right of it. */
 class FieldLabel {
 public:
-	//! For the field's constructor. The part gets its place, and follows the field's size.
-	static void Init(BView& field);
+	//! For the field's constructor: makes the part its child.
+	static void Init(BView& field, BView* part);
+	//! The part follows the field's size from then on.
 	static void Place(BView& field, BView& part, float divider);
 	//! Also names the part for those who cannot see it; a field without label by its own name.
 	static void SetLabel(BView& field, BView& part, const char* label);

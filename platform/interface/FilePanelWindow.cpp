@@ -45,7 +45,7 @@ FilePanelWindow::FilePanelWindow(BFilePanel* panel, const FilePanelTraits& trait
 {
 	SetSizeLimits(kMinWidth, 32767, kMinHeight, 32767);
 	SetMessage(NULL);
-	LooperList::SetQuitsLast(this);
+	LooperList::SetQuitOrder(this, LooperList::kQuitsLast);
 	// others may use the panel before it runs
 	Unlock();
 }

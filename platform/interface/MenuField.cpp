@@ -60,9 +60,8 @@ BMenuField::~BMenuField()
 void
 BMenuField::Init(BMenu* menu)
 {
-	FieldLabel::Init(*this);
 	fBar = new _BMCMenuBar_(Bounds());
-	AddChild(fBar);
+	FieldLabel::Init(*this, fBar);
 	if (menu != NULL)
 		fBar->AddItem(menu);
 	SetDivider(fDivider);

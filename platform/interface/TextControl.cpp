@@ -66,9 +66,8 @@ BTextControl::~BTextControl()
 void
 BTextControl::Init(const char* initialText)
 {
-	FieldLabel::Init(*this);
 	fText = new _BTextInput_(Bounds());
-	AddChild(fText);
+	FieldLabel::Init(*this, fText);
 	SetDivider(fDivider);
 	SetLabel(Label());
 	SetText(initialText);

@@ -13,6 +13,15 @@ ServerFieldLabel::ServerFieldLabel()
 	setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
+//! A label of something takes an ampersand for the mark of a key.
+void
+ServerFieldLabel::SetLabel(const QString& label)
+{
+	fLabel = label;
+	setText(QString(label).replace(QLatin1Char('&'), QLatin1String("&&")));
+	update();
+}
+
 void
 ServerFieldLabel::SetDivider(int divider)
 {
@@ -25,7 +34,7 @@ ServerFieldLabel::paintEvent(QPaintEvent*)
 {
 	QPainter painter(this);
 	const QRect room(0, 0, qMax(0, fDivider - kGap), height());
-	const QString fitting = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+	const QString fitting = fontMetrics().elidedText(fLabel, Qt::ElideRight, room.width());
 	style()->drawItemText(&painter, room, alignment() | Qt::TextSingleLine, palette(), isEnabled(),
 		fitting, foregroundRole());
 }

@@ -10,6 +10,10 @@ class ServerFieldLabel : public QLabel {
 public:
 	ServerFieldLabel();
 
+	//! What it labels, for those who cannot see where it stands.
+	void SetPart(QWidget* part) { setBuddy(part); }
+	void SetLabel(const QString& label);
+
 	//! Where the labelled part begins.
 	void SetDivider(int divider);
 
@@ -17,6 +21,7 @@ protected:
 	void paintEvent(QPaintEvent* event) override;
 
 private:
+	QString fLabel;
 	int fDivider = 0;
 };
 
