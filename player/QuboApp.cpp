@@ -22,7 +22,7 @@ constexpr bigtime_t kAddOnPatience = 1000000; // then it plays without waiting f
 // To load the player library keeps other libraries from being loaded, such as text converters: lyrics that are on their way come first.
 constexpr bigtime_t kLookTime = 200000;    // for an add-on to ask what plays
 constexpr bigtime_t kShowTime = 30000;     // for it to show that
-constexpr bigtime_t kSettleTime = 3000000; // from the start to steady playing
+constexpr bigtime_t kSettleTime = 3000000; // from the start of a song to steady playing
 
 } // namespace
 
@@ -160,8 +160,6 @@ QuboApp::LoadAddOns()
 	std::string folder = fLine.addOns.empty() ? AddOnHost::DefaultFolder() : fLine.addOns;
 	fAddOns.reset(new AddOnHost(folder, *this));
 	StartPlayingIn(kAddOnPatience);
-	BMessage settled(kMsgSettled);
-	BMessageRunner::StartSending(BMessenger(this), &settled, kSettleTime, 1);
 }
 
 void
@@ -212,6 +210,11 @@ QuboApp::PlayingChanged()
 {
 	fWindow.SendMessage(kMsgPlayingChanged);
 	fTags.Wake();
+	const int32 song = fState.CurrentIndex();
+	if (std::exchange(fSettling, song) == song)
+		return;
+	BMessage settled(kMsgSettled);
+	BMessageRunner::StartSending(BMessenger(this), &settled, kSettleTime, 1);
 }
 
 void

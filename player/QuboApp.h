@@ -68,6 +68,7 @@ private:
 	FrontEndServer fFrontEnd;
 	std::unique_ptr<AddOnHost> fAddOns;
 	int fExitCode = 0;
+	int32 fSettling = -1;   // the engine's thread only: the song whose start is being got over
 	bool fLookedAt = false; // an add-on has asked what plays
 	bool fStarted = false;
 	bool fQuitting = false;
