@@ -1,6 +1,6 @@
 #include "app/LooperLock.h"
 
-#include "app/Deadline.h"
+#include "kernel/Deadline.h"
 
 namespace BPrivate {
 

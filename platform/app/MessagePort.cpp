@@ -1,8 +1,8 @@
 #include "app/MessagePort.h"
 
-#include "app/Deadline.h"
 #include "app/MessageAccess.h"
 #include "app/TokenTable.h"
+#include "kernel/Deadline.h"
 #include <Looper.h>
 #include <MessageQueue.h>
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "app/ReplySlot.h"
 
-#include "app/Deadline.h"
 #include "app/MessageAccess.h"
+#include "kernel/Deadline.h"
 #include <shared_mutex>
 #include <vector>
 

@@ -1,19 +1,14 @@
 #include "kernel/Deadline.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace BPrivate {
-
-// further away than any machine runs; steady_clock counts in nanoseconds, which must not overflow
-static constexpr bigtime_t kForever = 100LL * 365 * 24 * 3600 * 1000000;
 
 Deadline::Deadline(uint32 flags, bigtime_t timeout)
 {
 	if ((flags & B_RELATIVE_TIMEOUT) != 0) {
 		fMustNotWait = timeout <= 0;
-		if (timeout < kForever)
-			fWhen = system_time() + std::max<bigtime_t>(timeout, 0);
+		fWhen = deadline_after(std::max<bigtime_t>(timeout, 0));
 	} else if ((flags & B_ABSOLUTE_TIMEOUT) != 0 && timeout < kForever) {
 		fWhen = timeout;
 	}
@@ -30,14 +25,7 @@ Deadline::Remaining() const
 bool
 Deadline::Wait(std::condition_variable& condition, std::unique_lock<std::mutex>& lock) const
 {
-	if (IsInfinite()) {
-		condition.wait(lock);
-		return true;
-	}
-	// system_time() and the steady clock are the same clock
-	const std::chrono::steady_clock::time_point when{
-		std::chrono::microseconds(std::max<bigtime_t>(fWhen, 0))};
-	return condition.wait_until(lock, when) == std::cv_status::no_timeout;
+	return wait_until(condition, lock, std::max<bigtime_t>(fWhen, 0));
 }
 
 } // namespace BPrivate
