@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "framework/TLLT.h"
 #include "lyrics/TTavoraDView.h"
 #include "lyrics/lyrics_codes.h"
 #include "prefs/TExitState.h"
@@ -267,6 +268,7 @@ main(int argc, char** argv)
 	setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
 	setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	benchmark::Initialize(&argc, argv);
+	gLLT = new merion::TLLT; // without texts a key stands for itself
 	ScriptedHost application;
 	std::thread benchmarks([] {
 		benchmark::RunSpecifiedBenchmarks();
@@ -274,5 +276,6 @@ main(int argc, char** argv)
 	});
 	application.Run();
 	benchmarks.join();
+	delete gLLT;
 	return 0;
 }
