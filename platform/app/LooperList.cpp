@@ -1,8 +1,8 @@
 #include "app/LooperList.h"
 
-#include "kernel/Deadline.h"
 #include "app/LooperLock.h"
 #include "app/MessagePort.h"
+#include "kernel/Deadline.h"
 #include <algorithm>
 #include <set>
 #include <shared_mutex>
