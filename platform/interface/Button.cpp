@@ -69,10 +69,23 @@ BButton::SetLabel(const char* label)
 		[text = widget_text(Label())](QPushButton& button) { button.setText(text); });
 }
 
+//! A window has one default button.
+static void
+end_other_defaults(BView* tree, const BButton* but)
+{
+	auto* button = dynamic_cast<BButton*>(tree);
+	if (button != NULL && button != but && button->IsDefault())
+		button->MakeDefault(false);
+	for (int32 i = 0; BView* child = tree->ChildAt(i); i++)
+		end_other_defaults(child, but);
+}
+
 void
 BButton::MakeDefault(bool makeDefault)
 {
 	fDefault = makeDefault;
+	if (makeDefault && Window() != NULL)
+		end_other_defaults(WindowData::Of(Window()).root, this);
 	ViewData::Of(this).proxy->Adjust<QPushButton>(
 		[makeDefault](QPushButton& button) { button.setDefault(makeDefault); });
 }

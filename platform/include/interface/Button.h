@@ -15,7 +15,7 @@ public:
 	void AttachedToWindow() override;
 	void GetPreferredSize(float* width, float* height) override;
 	void SetLabel(const char* label) override;
-	//! The button that Enter presses, wherever the focus is in the window.
+	//! The button that Enter presses, wherever the focus is in the window: the one that was it before is it no more.
 	virtual void MakeDefault(bool makeDefault);
 	bool IsDefault() const { return fDefault; }
 

@@ -48,6 +48,13 @@ public:
 		fLog += " ";
 	}
 
+	bool QuitRequested() override
+	{
+		std::lock_guard lock(fMutex);
+		fLog += "quit ";
+		return false;
+	}
+
 	//! What has come since the last time: first the control's event, then what the control sends.
 	std::string Take()
 	{
@@ -328,6 +335,26 @@ TEST_F(TextLine, ReturnPressesTheDefaultButtonAfterIt)
 		return log.find("okay") != std::string::npos;
 	}));
 	EXPECT_EQ(log, "modi0 done0 okay1 ");
+}
+
+TEST_F(TextLine, LeavesTheWindowItsKeys)
+{
+	Locked([this] {
+		fWindow->AddShortcut('S', 0, new BMessage('save'));
+		fWindow->SetFlags(fWindow->Flags() | B_CLOSE_ON_ESCAPE);
+		auto* second = new BButton(BRect(10, 110, 109, 134), "no", "No", new BMessage('noop'));
+		fWindow->AddChild(second);
+		fButton->MakeDefault(true);
+		second->MakeDefault(true);
+		EXPECT_FALSE(fButton->IsDefault());
+	});
+	type_key(fWindow, Qt::Key_S, Qt::AltModifier);
+	EXPECT_EQ(fWindow->Take(), "save ");
+	EXPECT_EQ(Text(), "12") << "a shortcut was written";
+	type_key(fWindow, Qt::Key_Escape);
+	EXPECT_EQ(fWindow->Take(), "quit ");
+	type_key(fWindow, Qt::Key_Return);
+	EXPECT_TRUE(wait_until([this] { return fWindow->Take() == "noop1 "; }));
 }
 
 TEST_F(TextLine, CountsBytesAndKeepsToItsRules)
