@@ -142,14 +142,16 @@ BAlert::PlaceButtons(float right, float top)
 BSize
 BAlert::SizeText() const
 {
-	const auto size = ViewData::Of(fText).proxy->Ask<ServerTextArea>([](ServerTextArea& area) {
+	const BRect screen = BScreen().Frame();
+	const float widest = std::min(kTextWidth, floorf(screen.Width() * 2 / 3));
+	const float most = floorf(screen.Height() / 2);
+	const auto size = ViewData::Of(fText).proxy->Ask<ServerTextArea>([=](ServerTextArea& area) {
 		area.ensurePolished();
-		const int width = std::min<int>(area.IdealWidth(), kTextWidth);
+		const int width = std::min<int>(area.IdealWidth(), widest);
 		return QSize(width + kTextRoom, area.HeightFor(width) + kTextRoom);
 	});
-	const float most = BScreen().Frame().Height() / 2;
 	if (!size)
-		return BSize(kTextWidth, 0);
+		return BSize(widest, 0);
 	const bool isCut = size->height() - 1 > most;
 	ViewData::Of(fText).proxy->Adjust<QPlainTextEdit>([isCut](QPlainTextEdit& edit) {
 		edit.setVerticalScrollBarPolicy(isCut ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);

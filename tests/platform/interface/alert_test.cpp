@@ -6,6 +6,7 @@
 #include <Message.h>
 #include <QPushButton>
 #include <QScreen>
+#include <Screen.h>
 #include <TextView.h>
 #include <atomic>
 #include <string>
@@ -91,7 +92,8 @@ TEST_F(Alerts, AnswerWithTheButton)
 	EXPECT_STREQ(alert->TextView()->Text(), "text");
 	EXPECT_EQ(alert->ButtonAt(3), nullptr);
 	const BRect frame = alert->Frame();
-	EXPECT_LE(fabsf(frame.left + frame.right - 599), 1) << "not in the middle of its window";
+	EXPECT_TRUE(fabsf(frame.left + frame.right - 599) <= 1 || BScreen().Frame().right < 600)
+		<< "not in the middle of its window";
 	static const struct {
 		Qt::Key key;
 		int32 answer;
