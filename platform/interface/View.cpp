@@ -1,5 +1,6 @@
 #include "interface/ViewData.h"
 
+#include <Cursor.h>
 #include <Debug.h>
 #include <algorithm>
 #include <string.h>
@@ -436,6 +437,15 @@ BView::GetMouse(BPoint* where, uint32* buttons, bool)
 	get_mouse(&screenWhere, buttons);
 	if (where != NULL)
 		*where = ConvertFromScreen(screenWhere);
+}
+
+void
+BView::SetViewCursor(const BCursor* cursor, bool sync)
+{
+	if (cursor == NULL || Window() == NULL)
+		return;
+	fData->cursor = cursor->fID;
+	WindowData::Of(Window()).TellPointer(sync);
 }
 
 status_t

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "interface/AccessibleText.h"
 #include "interface/WindowData.h"
 #include "server/WidgetProxy.h"
 
+#include <Cursor.h>
 #include <QRegion>
 #include <View.h>
 #include <memory>
@@ -62,8 +64,10 @@ struct ViewData {
 	uint32 eventOptions = 0;
 	uint32 mouseMask = 0; // until the buttons are up
 	uint32 mouseOptions = 0;
+	BCursorID cursor = B_CURSOR_ID_SYSTEM_DEFAULT;
 	std::unique_ptr<WidgetProxy> proxy;
-	std::optional<QRegion> drawClip; // in Draw(): what the update is about
+	std::unique_ptr<AccessibleText> accessible; // while it is in a window
+	std::optional<QRegion> drawClip;            // in Draw(): what the update is about
 
 	//! For a control's constructor: a real widget stands for the view.
 	void SetProxy(std::unique_ptr<WidgetProxy> widget);
@@ -113,6 +117,7 @@ private:
 	void ReadFont(const BMessage& archive);
 	void SetWindow(BWindow* newWindow);
 	void PlaceProxy();
+	void PlaceAccessible();
 	void OrderFocus();
 	void CollectProxies(std::vector<int64>& ids) const;
 	void CallAttached();

@@ -89,6 +89,7 @@ ViewData::SetWindow(BWindow* newWindow)
 		if (proxy)
 			proxy->Detach();
 		WindowData::Of(window).ViewGone(view);
+		cursor = B_CURSOR_ID_SYSTEM_DEFAULT;
 		window->RemoveHandler(view);
 		window = NULL;
 		return;
@@ -117,6 +118,9 @@ ViewData::CallAttached()
 			Of(child).CallAttached();
 	}
 	view->AllAttached();
+	if (!accessible)
+		accessible = AccessibleText::Of(view);
+	PlaceAccessible();
 }
 
 void
@@ -124,6 +128,7 @@ ViewData::CallDetached()
 {
 	if (!attached)
 		return;
+	accessible.reset();
 	view->DetachedFromWindow();
 	const std::vector<BView*> before = children;
 	for (BView* child : before) {
@@ -294,6 +299,7 @@ ViewData::PlaceProxies()
 	if (window == NULL || WindowData::Of(window).offscreen)
 		return;
 	PlaceProxy();
+	PlaceAccessible();
 	for (BView* child : children)
 		Of(child).PlaceProxies();
 }
@@ -310,6 +316,13 @@ ViewData::PlaceProxy()
 		SubtractChildren(visible);
 	}
 	proxy->Place(to_qrect(Bounds().OffsetToCopy(Origin() + scroll)), visible);
+}
+
+void
+ViewData::PlaceAccessible()
+{
+	if (accessible)
+		accessible->Place(IsVisible() ? VisibleRect() : QRect());
 }
 
 void

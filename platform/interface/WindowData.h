@@ -4,6 +4,8 @@
 #include "server/EventPort.h"
 #include "server/FrameMailbox.h"
 
+#include <Cursor.h>
+#include <Message.h>
 #include <QRegion>
 #include <View.h>
 #include <Window.h>
@@ -60,6 +62,10 @@ struct WindowData {
 	BView* root = nullptr;
 	BView* focus = nullptr;
 	BView* pointerView = nullptr;
+	int64 drag = 0; // what is dragged over the window; 0: nothing
+	BMessage dragged;
+	int32 toldCursor = B_CURSOR_ID_SYSTEM_DEFAULT; // what the server knows
+	int64 toldDrag = 0;
 	bool focusFromServer = false;
 	std::vector<Shortcut> shortcuts;
 	std::vector<BView*>
@@ -112,8 +118,11 @@ struct WindowData {
 	void PointerMoved(BMessage* message, BView* under, BPoint where);
 	void KeyMessage(BMessage* message);
 	bool RunShortcut(BMessage* message);
+	void FilesDragged(BMessage* message);
 	void FilesDropped(BMessage* message);
-	static BMessage RefsOf(const BMessage& files);
+	void EndDrag();
+	//! Tells the server how the pointer looks over the view that it is over; `wait`: until it knows.
+	void TellPointer(bool wait);
 	void SetActive(bool isActive);
 	void SetFocus(BView* view, bool tellServer);
 	void ViewGone(BView* view);

@@ -1,10 +1,7 @@
 #include "interface/ViewData.h"
 #include "server/EventPort.h"
 
-#include "app/MessageAccess.h"
-
 #include <AppDefs.h>
-#include <Entry.h>
 #include <algorithm>
 #include <ctype.h>
 
@@ -53,6 +50,9 @@ WindowData::HandleMessage(BMessage* message, BHandler* target)
 		case B_UNMAPPED_KEY_DOWN:
 		case B_UNMAPPED_KEY_UP:
 			KeyMessage(message);
+			return true;
+		case kFilesDragged:
+			FilesDragged(message);
 			return true;
 		case kFilesDropped:
 			FilesDropped(message);
@@ -212,6 +212,8 @@ WindowData::PointerMessage(BMessage* message)
 			set_point(message, "screen_where", BPoint(move->screenX, move->screenY));
 			set_int32(message, "buttons", move->buttons);
 			set_int32(message, "modifiers", move->modifiers);
+			message->RemoveName("be:drag");
+			message->AddInt64("be:drag", move->drag);
 		}
 	}
 	BPoint where = message->GetPoint("be:window_where", BPoint());
@@ -239,10 +241,10 @@ WindowData::PointerMessage(BMessage* message)
 void
 WindowData::PointerMoved(BMessage* message, BView* under, BPoint where)
 {
-	BMessage files;
-	std::optional<BMessage> dragged;
-	if (message->FindMessage("be:dragged", &files) == B_OK)
-		dragged = RefsOf(files);
+	const int64 moveDrag = message->GetInt64("be:drag", 0);
+	const bool isDrag = moveDrag != 0 && moveDrag == drag;
+	if (moveDrag == 0 && drag != 0)
+		EndDrag();
 	std::vector<BView*> watchers = PointerWatchers(under);
 	BView* before = std::exchange(pointerView, under);
 	if (before != NULL && before != under
@@ -258,38 +260,9 @@ WindowData::PointerMoved(BMessage* message, BView* under, BPoint where)
 			transit = B_EXITED_VIEW;
 		set_int32(message, "be:transit", transit);
 		BPoint inView = aim_at(message, view, where);
-		view->MouseMoved(inView, transit, dragged ? &*dragged : NULL);
+		view->MouseMoved(inView, transit, isDrag ? &dragged : NULL);
 	}
-}
-
-//! The platform's message for files, by what the server tells.
-BMessage
-WindowData::RefsOf(const BMessage& files)
-{
-	BMessage refs(B_SIMPLE_DATA);
-	const char* path;
-	for (int32 i = 0; files.FindString("path", i, &path) == B_OK; i++) {
-		entry_ref ref;
-		if (get_ref_for_path(path, &ref) == B_OK)
-			refs.AddRef("refs", &ref);
-	}
-	return refs;
-}
-
-void
-WindowData::FilesDropped(BMessage* message)
-{
-	BMessage refs = RefsOf(*message);
-	if (!refs.HasRef("refs"))
-		return;
-	BPoint where = message->GetPoint("be:window_where", BPoint());
-	BView* under = ViewData::Of(root).ViewAt(where);
-	refs.AddInt64("when", message->GetInt64("when", 0));
-	MessageAccess::SetDropped(refs, message->GetPoint("screen_where", BPoint()), BPoint());
-	// through the queue, so that message filters see it; when that is full, at once
-	BHandler* target = under != NULL ? static_cast<BHandler*>(under) : window;
-	if (window->PostMessage(&refs, target) != B_OK)
-		target->MessageReceived(&refs);
+	TellPointer(false);
 }
 
 void

@@ -3,6 +3,7 @@
 #include "server/Keys.h"
 
 #include <AppDefs.h>
+#include <Cursor.h>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QGuiApplication>
@@ -11,6 +12,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QStyleHints>
+#include <QSysInfo>
 #include <View.h>
 
 namespace BPrivate {
@@ -77,8 +79,7 @@ Canvas::mouseReleaseEvent(QMouseEvent* event)
 void
 Canvas::mouseMoveEvent(QMouseEvent* event)
 {
-	SendMove(
-		event->position(), event->globalPosition(), event->buttons(), event->modifiers(), NULL);
+	SendMove(event->position(), event->globalPosition(), event->buttons(), event->modifiers());
 }
 
 //! A move to nowhere, so that the view that had the pointer learns that it has left.
@@ -89,8 +90,8 @@ Canvas::leaveEvent(QEvent*)
 	QPointF where = mapFromGlobal(screenWhere);
 	if (childAt(where.toPoint()) != nullptr || rect().contains(where.toPoint()))
 		where = QPointF(-1, -1);
-	SendMove(where, screenWhere, QGuiApplication::mouseButtons(),
-		QGuiApplication::keyboardModifiers(), NULL);
+	SendMove(
+		where, screenWhere, QGuiApplication::mouseButtons(), QGuiApplication::keyboardModifiers());
 }
 
 void
@@ -178,8 +179,8 @@ Canvas::SendKey(bool down, QKeyEvent* event)
 }
 
 void
-Canvas::SendMove(QPointF where, QPointF screenWhere, Qt::MouseButtons buttons,
-	Qt::KeyboardModifiers modifiers, const BMessage* dragged)
+Canvas::SendMove(
+	QPointF where, QPointF screenWhere, Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers)
 {
 	PointerMove move;
 	move.x = where.x();
@@ -189,7 +190,8 @@ Canvas::SendMove(QPointF where, QPointF screenWhere, Qt::MouseButtons buttons,
 	move.buttons = platform_buttons(buttons);
 	move.modifiers = platform_modifiers(modifiers);
 	move.when = system_time();
-	fPort->SendMove(move, dragged);
+	move.drag = fIsDragging ? fDrag : 0;
+	fPort->SendMove(move);
 }
 
 int32
@@ -204,58 +206,115 @@ Canvas::CountClicks(const QMouseEvent& event)
 	return again ? fClicks + 1 : 1;
 }
 
-//! The local files of a drag; files on other machines have no path.
-static BMessage
-dragged_files(const QMimeData* data)
+static bool
+is_on_this_machine(const QUrl& url)
 {
-	BMessage message(kFilesDropped);
+	const QString host = url.host();
+	return url.isLocalFile()
+		&& (host.isEmpty() || host == "localhost" || host == QSysInfo::machineHostName());
+}
+
+//! The local files of a drag, byte by byte as they are named: a name need be no text.
+static BMessage
+dragged_files(uint32 what, const QMimeData* data)
+{
+	BMessage message(what);
 	const QList<QUrl> urls = data->urls();
 	for (const QUrl& url : urls) {
-		if (url.isLocalFile())
-			message.AddString("path", url.toLocalFile().toUtf8().constData());
+		if (is_on_this_machine(url))
+			message.AddString("path",
+				QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()).constData());
 	}
 	return message;
 }
 
+//! Never a move: the program that drags would delete its file.
+static void
+accept_as_copy(QDropEvent* event)
+{
+	event->setDropAction(Qt::CopyAction);
+	event->accept();
+}
+
+/*!	Taken in any case, so that the moves are told; the view answers to those. */
 void
 Canvas::dragEnterEvent(QDragEnterEvent* event)
 {
-	dragMoveEvent(event);
-}
-
-void
-Canvas::dragMoveEvent(QDragMoveEvent* event)
-{
-	BMessage files = dragged_files(event->mimeData());
-	if (!files.HasString("path")) {
+	BMessage files = dragged_files(kFilesDragged, event->mimeData());
+	fIsDragging = files.HasString("path") && (event->possibleActions() & Qt::CopyAction);
+	fIsDragRefused = false;
+	if (!fIsDragging) {
 		event->ignore();
 		return;
 	}
-	// never a move: the program that drags would delete its file
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-	SendMove(event->position(), mapToGlobal(event->position()), event->buttons(),
-		event->modifiers(), &files);
+	files.AddInt64("be:drag", ++fDrag);
+	fPort->Send(std::move(files));
+	dragMoveEvent(event);
+}
+
+//! As the view has answered last; until it has answered, files are welcome.
+void
+Canvas::dragMoveEvent(QDragMoveEvent* event)
+{
+	event->ignore();
+	if (!fIsDragging)
+		return;
+	if (!fIsDragRefused)
+		accept_as_copy(event);
+	SendMove(
+		event->position(), mapToGlobal(event->position()), event->buttons(), event->modifiers());
 }
 
 void
 Canvas::dragLeaveEvent(QDragLeaveEvent*)
 {
 	leaveEvent(nullptr);
+	fIsDragging = false;
 }
 
 void
 Canvas::dropEvent(QDropEvent* event)
 {
-	BMessage files = dragged_files(event->mimeData());
+	event->ignore();
+	if (!fIsDragging || fIsDragRefused) {
+		dragLeaveEvent(nullptr);
+		return;
+	}
+	fIsDragging = false;
+	BMessage files = dragged_files(kFilesDropped, event->mimeData());
 	if (!files.HasString("path"))
 		return;
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
+	accept_as_copy(event);
 	const QPointF screenWhere = mapToGlobal(event->position());
 	files.AddPoint("be:window_where", BPoint(event->position().x(), event->position().y()));
 	files.AddPoint("screen_where", BPoint(screenWhere.x(), screenWhere.y()));
 	fPort->Send(std::move(files));
+}
+
+static Qt::CursorShape
+shape_of(int32 cursorID)
+{
+	switch (cursorID) {
+		case B_CURSOR_ID_I_BEAM:
+			return Qt::IBeamCursor;
+		case B_CURSOR_ID_COPY:
+			return Qt::DragCopyCursor;
+		case B_CURSOR_ID_MOVE:
+			return Qt::SizeAllCursor;
+		case B_CURSOR_ID_NOT_ALLOWED:
+			return Qt::ForbiddenCursor;
+		default:
+			return Qt::ArrowCursor;
+	}
+}
+
+void
+Canvas::SetPointer(int32 cursorID, int64 drag)
+{
+	if (cursor().shape() != shape_of(cursorID))
+		setCursor(shape_of(cursorID));
+	if (fIsDragging && drag == fDrag)
+		fIsDragRefused = cursorID == B_CURSOR_ID_NOT_ALLOWED;
 }
 
 } // namespace BPrivate

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/AccessibleTexts.h"
 #include "server/EventPort.h"
 #include "server/FrameMailbox.h"
 
@@ -21,6 +22,10 @@ public:
 	//! Frames shown so far.
 	int64 CountPaints() const { return fPaints; }
 	const std::shared_ptr<EventPort>& Port() const { return fPort; }
+	/*!	How the pointer looks where no control is. `drag`: the drag that the view under the pointer has seen, whose
+		files it refuses by the not-allowed one; 0: none. */
+	void SetPointer(int32 cursorID, int64 drag);
+	AccessibleTexts& Texts() { return fTexts; }
 
 protected:
 	void paintEvent(QPaintEvent* event) override;
@@ -43,7 +48,7 @@ private:
 	void SendButton(uint32 what, QMouseEvent* event);
 	void SendKey(bool down, QKeyEvent* event);
 	void SendMove(QPointF where, QPointF screenWhere, Qt::MouseButtons buttons,
-		Qt::KeyboardModifiers modifiers, const BMessage* dragged);
+		Qt::KeyboardModifiers modifiers);
 	int32 CountClicks(const QMouseEvent& event);
 
 	std::shared_ptr<EventPort> fPort;
@@ -54,6 +59,10 @@ private:
 	QPoint fLastClick;
 	Qt::MouseButton fLastButton = Qt::NoButton;
 	int32 fClicks = 0;
+	int64 fDrag = 0; // the newest drag's number
+	bool fIsDragging = false;
+	bool fIsDragRefused = false;
+	AccessibleTexts fTexts{this};
 };
 
 } // namespace BPrivate

@@ -78,7 +78,7 @@ EventPort::Send(BMessage message, const BMessenger& target)
 }
 
 void
-EventPort::SendMove(const PointerMove& move, const BMessage* dragged)
+EventPort::SendMove(const PointerMove& move)
 {
 	int64 slot = fMoves->Put(move);
 	if (slot == 0)
@@ -91,8 +91,7 @@ EventPort::SendMove(const PointerMove& move, const BMessage* dragged)
 	message.AddPoint("screen_where", BPoint(move.screenX, move.screenY));
 	message.AddInt32("buttons", move.buttons);
 	message.AddInt32("modifiers", move.modifiers);
-	if (dragged != NULL)
-		message.AddMessage("be:dragged", dragged);
+	message.AddInt64("be:drag", move.drag);
 	// not by Send(): a move follows the moves before it anyway
 	if (!fWaiting.empty()
 		|| fWindow.SendMessage(&message, static_cast<BHandler*>(NULL), 0) == B_WOULD_BLOCK) {

@@ -15,9 +15,11 @@ namespace BPrivate {
 enum {
 	kUpdateMessage = '_UPD', // the window to itself: draw what is invalid
 	kScaleMessage = '_SCL',  // "be:scale" float: the window is now on a screen of that scale
-	kFilesDropped = '_FDP',  // "be:window_where", "screen_where" points, "path" strings
-	kProxyEvent = '_PXY',    // a control's: "be:serial" int64 and its own
-	kProxyFocus = '_PXF',    // the control got the focus
+	kFilesDragged
+	= '_FDG', // "path" strings, "be:drag" int64: the number by which the moves name them
+	kFilesDropped = '_FDP', // "be:window_where", "screen_where" points, "path" strings
+	kProxyEvent = '_PXY',   // a control's: "be:serial" int64 and its own
+	kProxyFocus = '_PXF',   // the control got the focus
 };
 
 //! A pointer's move, as the window that it is for will see it.
@@ -29,6 +31,7 @@ struct PointerMove {
 	uint32 buttons;
 	uint32 modifiers;
 	int64 when;
+	int64 drag; // of kFilesDragged; 0: nothing is dragged
 };
 
 /*!	Keeps moves of the pointer from filling the queue of a window that is busy: while one move's
@@ -61,7 +64,7 @@ public:
 	void Send(BMessage message);
 	//! To one of its handlers. Nothing happens when it, or the window, is gone.
 	void Send(BMessage message, const BMessenger& target);
-	void SendMove(const PointerMove& move, const BMessage* dragged);
+	void SendMove(const PointerMove& move);
 
 private:
 	struct Waiting {

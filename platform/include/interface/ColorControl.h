@@ -19,7 +19,12 @@ public:
 	/*!	As large as it prefers to be. `bufferedDrawing` is of no effect: what is drawn never flickers. */
 	BColorControl(BPoint leftTop, color_control_layout layout, float cellSize, const char* name,
 		BMessage* message = NULL, bool bufferedDrawing = false);
+	explicit BColorControl(BMessage* data);
 	~BColorControl() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the three text controls that the platform's own control has for its numbers.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void GetPreferredSize(float* width, float* height) override;
 	void SetValue(int32 color) override;
@@ -35,6 +40,7 @@ public:
 	float CellSize() const;
 
 private:
+	void Init();
 	void TellCells();
 
 	color_control_layout fLayout;

@@ -17,10 +17,16 @@ public:
 	//! Owns the menu. With a label, the button begins in the middle; NULL or "": no label.
 	BMenuField(BRect frame, const char* name, const char* label, BMenu* menu,
 		uint32 resizingMode = B_FOLLOW_LEFT_TOP, uint32 flags = B_WILL_DRAW | B_NAVIGABLE);
-	//! `fixedSize` makes no difference: the button takes all the room from the divider on.
+	//! `fixedSize` is only kept: the button takes all the room from the divider on.
 	BMenuField(BRect frame, const char* name, const char* label, BMenu* menu, bool fixedSize,
 		uint32 resizingMode = B_FOLLOW_LEFT_TOP, uint32 flags = B_WILL_DRAW | B_NAVIGABLE);
+	//! The menu is that of the child that is its bar; NULL without one.
+	explicit BMenuField(BMessage* data);
 	~BMenuField() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the menu.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void MakeFocus(bool focus = true) override;
 	//! With room for the longest item.
@@ -46,11 +52,12 @@ public:
 	float Divider() const;
 
 private:
-	void Init(BMenu* menu);
+	void Init();
 
 	char* fLabel;
 	_BMCMenuBar_* fBar;
 	alignment fAlignment;
 	float fDivider;
 	bool fEnabled;
+	bool fFixedSize;
 };

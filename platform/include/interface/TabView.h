@@ -13,7 +13,13 @@ class BTabView;
 class BTab : public BArchivable {
 public:
 	explicit BTab(BView* contents = NULL);
+	//! Without a view, which only its tab view gives it.
+	explicit BTab(BMessage* data);
 	~BTab() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! One that is not enabled is when it is built again: that is the platform's format.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	//! The view's name, NULL without a view or a name.
 	const char* Label() const;
@@ -50,8 +56,13 @@ public:
 		uint32 resizingMode = B_FOLLOW_ALL,
 		uint32 flags
 		= B_FULL_UPDATE_ON_RESIZE | B_WILL_DRAW | B_NAVIGABLE_JUMP | B_FRAME_EVENTS | B_NAVIGABLE);
+	explicit BTabView(BMessage* data);
 	//! Deletes the tabs with their views.
 	~BTabView() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the tabs and their views.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	//! The first tab is selected, unless another one is already.
 	void AttachedToWindow() override;
@@ -83,6 +94,9 @@ private:
 	friend class BTab;
 
 	void Init();
+	status_t ReadTabs(BUnarchiver& unarchiver);
+	BTab* ReadTab(BUnarchiver& unarchiver, int32 index, status_t* status);
+	status_t ReadPage(BUnarchiver& unarchiver, int32 index, BView*& page);
 	void FitContainer();
 	void ShowTab(const BTab* tab);
 

@@ -4,7 +4,10 @@
 #include <string>
 
 class BTextView;
+
+namespace BPrivate {
 class _BTextInput_;
+}
 
 /*!	A line of text that the user can change, with a label at its left.
 	When the user has changed the text, the control's message is sent as soon as the Enter key is
@@ -16,7 +19,13 @@ public:
 	BTextControl(BRect frame, const char* name, const char* label, const char* initialText,
 		BMessage* message, uint32 resizingMode = B_FOLLOW_LEFT_TOP,
 		uint32 flags = B_WILL_DRAW | B_NAVIGABLE);
+	//! The text is that of the child that is its line.
+	explicit BTextControl(BMessage* data);
 	~BTextControl() override;
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! `deep`: with the text.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void DetachedFromWindow() override;
 	void MakeFocus(bool focus = true) override;
@@ -43,13 +52,13 @@ public:
 	BTextView* TextView() const;
 
 private:
-	friend class _BTextInput_;
+	friend class BPrivate::_BTextInput_;
 
-	void Init(const char* initialText);
+	void Init();
 	void Modified();
 	void Commit();
 
-	_BTextInput_* fText;
+	BPrivate::_BTextInput_* fText;
 	std::string fCommitted; // as the target knows it
 	BMessage* fModification;
 	alignment fLabelAlignment;

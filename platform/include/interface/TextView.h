@@ -15,6 +15,12 @@ public:
 		left and the top becomes the margin. */
 	BTextView(BRect frame, const char* name, BRect textRect, uint32 resizingMode,
 		uint32 flags = B_WILL_DRAW);
+	//! Several lines.
+	explicit BTextView(BMessage* data);
+
+	static BArchivable* Instantiate(BMessage* data);
+	//! Asks the display server for the selection.
+	status_t Archive(BMessage* data, bool deep = true) const override;
 
 	void GetPreferredSize(float* width, float* height) override;
 	//! That of the paper.
@@ -65,6 +71,7 @@ public:
 protected:
 	//! One line, for a control around it.
 	BTextView(BRect frame, const char* name, uint32 resizingMode, uint32 flags);
+	BTextView(BMessage* data, bool isLine);
 
 private:
 	// What the user has done; the text is the new one already.
@@ -72,12 +79,18 @@ private:
 	virtual void UserEntered();
 	virtual void UserLeft();
 	void Init();
+	void Read(const BMessage& archive);
+	BRect TextRect() const;
+	void SetTextRect(BRect rect);
+	void ShowPaperColor();
+	void ShowTextColor();
 	void UserActed(BMessage* event);
 	void ShowMode();
 	void ShowRules();
 
 	std::string fText;
 	std::u32string fDisallowed;
+	BRect fInsets; // widths, not places
 	int32 fMaxBytes;
 	alignment fAlignment;
 	bool fIsLine;

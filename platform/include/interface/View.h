@@ -5,6 +5,7 @@
 #include <InterfaceDefs.h>
 
 class BBitmap;
+class BCursor;
 class BWindow;
 
 namespace BPrivate {
@@ -80,7 +81,7 @@ public:
 	virtual void MouseDown(BPoint where);
 	virtual void MouseUp(BPoint where);
 	/*!	`dragMessage`: the files (B_SIMPLE_DATA with "refs") that the pointer is dragging over the
-		window, else NULL. */
+		window, else NULL. A view that does not want them shows it by SetViewCursor(): see there. */
 	virtual void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage);
 	virtual void KeyDown(const char* bytes, int32 numBytes);
 	virtual void KeyUp(const char* bytes, int32 numBytes);
@@ -166,6 +167,11 @@ public:
 	/*!	Where the pointer is, in the view's coordinates, and its buttons. `checkMessageQueue`
 		changes nothing: the answer is always of this moment. */
 	void GetMouse(BPoint* where, uint32* buttons, bool checkMessageQueue = true);
+	/*!	How the pointer looks over this view from now on, until the view leaves its window; without one, and for NULL,
+		nothing happens. `sync`: the server knows it when this returns.
+		While files are dragged over the view from another program, that program shows the pointer: one that is not
+		allowed (B_CURSOR_ID_NOT_ALLOWED) makes the server refuse them, until there is another one. */
+	void SetViewCursor(const BCursor* cursor, bool sync = true);
 	status_t SetEventMask(uint32 mask, uint32 options = 0);
 	uint32 EventMask();
 	/*!	From MouseDown() only: the view gets these events, wherever the pointer is, until the last
