@@ -116,7 +116,8 @@ TDisplayMenu::InvokeAccelerator(char accelerator) const
 void
 TDisplayMenu::AddShortcuts(BWindow* window)
 {
-	for (const char key : {kOpenKey, kStayOnTopKey, kHideKey, kPrefKey, kCommonPrefKey, kHelpKey, kAboutKey}) {
+	for (const char key :
+		{kOpenKey, kStayOnTopKey, kHideKey, kPrefKey, kCommonPrefKey, kHelpKey, kAboutKey}) {
 		BMessage* message = new BMessage(kAcceleratorPressed);
 		message->AddInt8("Key", key);
 		window->AddShortcut(key, 0, message);

@@ -26,7 +26,8 @@ public:
 	static void AddShortcuts(BWindow* window);
 
 private:
-	BMenuItem* AddMenuItem(const BMessenger& target, const char* key, uint32 what, char accelerator = 0);
+	BMenuItem* AddMenuItem(
+		const BMessenger& target, const char* key, uint32 what, char accelerator = 0);
 	BMenu* AddSubMenu(const char* key);
 
 	int32 fFormat; // of the accelerators

@@ -74,8 +74,8 @@ void
 TTavoraDView::UpdateMenu()
 {
 	entry_ref ref;
-	const bool hasSong = fSong.filename != nullptr
-		&& get_ref_for_path(LyricsFName().c_str(), &ref) == B_OK;
+	const bool hasSong
+		= fSong.filename != nullptr && get_ref_for_path(LyricsFName().c_str(), &ref) == B_OK;
 	fMenu->Update(hasSong ? &ref : nullptr, gPref->fStayOnTop);
 }
 

@@ -45,8 +45,8 @@ usable_frame(BRect frame)
 } // namespace
 
 TTavoraDWin::TTavoraDWin(BRect frame, TCommMan* manager)
-	: TMERWin(usable_frame(frame), gLLT->Text("Win_Title_Display"), B_TITLED_WINDOW_LOOK, B_NORMAL_WINDOW_FEEL,
-		B_AVOID_FRONT | B_ASYNCHRONOUS_CONTROLS),
+	: TMERWin(usable_frame(frame), gLLT->Text("Win_Title_Display"), B_TITLED_WINDOW_LOOK,
+		B_NORMAL_WINDOW_FEEL, B_AVOID_FRONT | B_ASYNCHRONOUS_CONTROLS),
 	  fManager(manager),
 	  fView(new TTavoraDView(Bounds()))
 {

@@ -9,12 +9,17 @@ constexpr uint32 kPollingQuboInfo
 	= 'pcir'; // the view's message runner -> view  none                           none
 
 // The popup menu and its accelerators.
-constexpr uint32 kStayOnTopItemClicked = 'mstp'; // menu -> window                          none                           none
-constexpr uint32 kPositionItemClicked = 'mpos';  // menu -> window                          kItemNumber (merion::side)     none
-constexpr uint32 kSizeItemClicked = 'msiz';      // menu -> window                          kItemNumber (lines)            none
-constexpr uint32 kHideItemClicked = 'mhid';      // menu -> window                          none                           none
-constexpr uint32 kAcceleratorPressed = 'macc';   // shortcuts -> window                     "Key" (int8)                   none
-constexpr const char* kItemNumber = "Number";    // int32
+constexpr uint32 kStayOnTopItemClicked
+	= 'mstp'; // menu -> window                          none                           none
+constexpr uint32 kPositionItemClicked
+	= 'mpos'; // menu -> window                          kItemNumber (merion::side)     none
+constexpr uint32 kSizeItemClicked
+	= 'msiz'; // menu -> window                          kItemNumber (lines)            none
+constexpr uint32 kHideItemClicked
+	= 'mhid'; // menu -> window                          none                           none
+constexpr uint32 kAcceleratorPressed
+	= 'macc'; // shortcuts -> window                     "Key" (int8)                   none
+constexpr const char* kItemNumber = "Number"; // int32
 constexpr int32 kHostWidth = 0; // instead of a number of lines: as wide as the host's window
 
 /*!	What others may watch the view for (BHandler::StartWatching()): another line has become the current one, or its text

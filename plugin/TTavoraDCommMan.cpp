@@ -26,7 +26,8 @@
 
 namespace {
 
-constexpr float kBelowTitle = 20; // the common preferences open so far below the main window's upper edge
+constexpr float kBelowTitle
+	= 20; // the common preferences open so far below the main window's upper edge
 const BRect kPrefFrame(0, 0, 399, 299); // until its view gives the size
 
 } // namespace
@@ -43,7 +44,8 @@ TTavoraDCommMan::TTavoraDCommMan()
 TTavoraDCommMan::~TTavoraDCommMan()
 {
 	RemoveIAPFilter();
-	for (const uint32 what : {kCloseAboutWindow, kClosePrefWindow, kCloseCommonPrefWindow, kCloseMainWindow}) {
+	for (const uint32 what :
+		{kCloseAboutWindow, kClosePrefWindow, kCloseCommonPrefWindow, kCloseMainWindow}) {
 		BMessage close(what);
 		MessageReceived(&close);
 	}
@@ -55,7 +57,8 @@ TTavoraDCommMan::~TTavoraDCommMan()
 void
 TTavoraDCommMan::MessageReceived(BMessage* message)
 {
-	if (!WindowRequestReceived(message) && !MenuRequestReceived(message) && !ChangeReceived(message))
+	if (!WindowRequestReceived(message) && !MenuRequestReceived(message)
+		&& !ChangeReceived(message))
 		TCommMan::MessageReceived(message);
 }
 
@@ -210,8 +213,8 @@ TTavoraDCommMan::OpenPrefWindowRqtd(const BMessage* message)
 		if (window->InitCheck() != B_OK) {
 			if (window->Lock())
 				window->Quit();
-			merion::show_alert(gLLT->Text("Alert_Caption"), gLLT->Text("Err_Cannot_Create_Pref_Win"),
-				gLLT->Text("Button_OK"));
+			merion::show_alert(gLLT->Text("Alert_Caption"),
+				gLLT->Text("Err_Cannot_Create_Pref_Win"), gLLT->Text("Button_OK"));
 			return;
 		}
 		window->SetPos(message->GetBool("BesideDlg", false), message->GetRect("WinFrame", BRect()));

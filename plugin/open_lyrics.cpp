@@ -23,11 +23,16 @@ path_of(const entry_ref& ref)
 bool
 does_user_want_new(const std::string& path, int32 acceleratorFormat)
 {
-	const std::string question = std::string(gLLT->Text("Ask_Create_New_1")) + path + gLLT->Text("Ask_Create_New_2");
-	const std::string yes = merion::merge_accelerator_key(gLLT->Text("Button_Yes"), "Y", acceleratorFormat);
-	const std::string no = merion::merge_accelerator_key(gLLT->Text("Button_No"), "N", acceleratorFormat);
+	const std::string question
+		= std::string(gLLT->Text("Ask_Create_New_1")) + path + gLLT->Text("Ask_Create_New_2");
+	const std::string yes
+		= merion::merge_accelerator_key(gLLT->Text("Button_Yes"), "Y", acceleratorFormat);
+	const std::string no
+		= merion::merge_accelerator_key(gLLT->Text("Button_No"), "N", acceleratorFormat);
 	constexpr int32 kYes = 0;
-	return merion::show_alert(gLLT->Text("Alert_Caption"), question.c_str(), yes.c_str(), no.c_str(), nullptr, "YN") == kYes;
+	return merion::show_alert(gLLT->Text("Alert_Caption"), question.c_str(), yes.c_str(),
+			   no.c_str(), nullptr, "YN")
+		== kYes;
 }
 
 } // namespace

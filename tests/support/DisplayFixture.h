@@ -75,7 +75,10 @@ protected:
 	TempFolder fFolder;
 
 private:
-	template<typename T> static void Delete(T*& singleton) { delete std::exchange(singleton, nullptr); }
+	template<typename T> static void Delete(T*& singleton)
+	{
+		delete std::exchange(singleton, nullptr);
+	}
 
 	std::filesystem::file_time_type NextTime()
 	{
