@@ -67,7 +67,13 @@ protected:
 		fWindow->PostMessage('ask?');
 		EXPECT_TRUE(wait_until([this] { return fWindow->fAlert != nullptr; }));
 		BAlert* alert = fWindow->fAlert;
-		EXPECT_TRUE(wait_until([=] { return !alert->IsHidden(); }));
+		EXPECT_TRUE(wait_until([=] {
+			if (!alert->Lock())
+				return false;
+			const bool isShown = !alert->IsHidden();
+			alert->Unlock();
+			return isShown;
+		}));
 		settle(alert);
 		return alert;
 	}

@@ -102,6 +102,11 @@ protected:
 	}
 	~PanelTest() override
 	{
+		// No hook of the derived class may run any more while it is destroyed.
+		if (fPanel && fPanel->Window()->Thread() >= 0) {
+			fPanel->Hide();
+			settle(fPanel->Window());
+		}
 		fPanel.reset();
 		fTarget->Lock();
 		fTarget->Quit();
