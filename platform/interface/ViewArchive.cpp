@@ -169,12 +169,10 @@ ViewData::ReadChildren(BUnarchiver& unarchiver)
 	status_t result = B_OK;
 	for (int32 i = 0; i < count; i++) {
 		BView* child;
-		status_t status
-			= unarchiver.FindObject(kChildren, i, BUnarchiver::B_DONT_ASSUME_OWNERSHIP, child);
+		status_t status = unarchiver.FindObject(kChildren, i, child);
 		if (status == B_OK && (child == NULL || Of(child).parent != NULL))
 			status = B_BAD_VALUE;
 		if (status == B_OK) {
-			unarchiver.AssumeOwnership(child);
 			children.push_back(child);
 			Of(child).parent = view;
 		} else if (result == B_OK)

@@ -23,6 +23,7 @@ BArchivable::BArchivable(BMessage*) { }
 
 BArchivable::~BArchivable()
 {
+	ArchiveManager::ObjectGone(this);
 	UnarchiveManager::ObjectGone(this);
 }
 
@@ -50,6 +51,14 @@ BArchivable::Instantiate(BMessage*)
 	return nullptr;
 }
 
+/*!	Parts of the platform's own classes, which begin with an underline, were in no namespace on older
+	systems. Empty for other names. */
+static std::string
+newer_name(std::string_view className)
+{
+	return className.starts_with('_') ? "BPrivate::" + std::string(className) : "";
+}
+
 bool
 validate_instantiation(BMessage* archive, const char* className)
 {
@@ -57,7 +66,7 @@ validate_instantiation(BMessage* archive, const char* className)
 		return false;
 	const char* name;
 	for (int32 i = 0; archive->FindString(kClassField, i, &name) == B_OK; i++) {
-		if (std::string_view(name) == className)
+		if (std::string_view(name) == className || newer_name(name) == className)
 			return true;
 	}
 	return false;
@@ -103,7 +112,7 @@ find_in_images(const char* symbol, image_id* id)
 /*!	`id` NULL: nobody asks for it, and the linker's own search, which knows the program and what it needs, is
 	some hundred times as fast as looking at one image after the other. */
 static instantiation_func
-find_func(const char* className, image_id* id)
+find_func(std::string_view className, image_id* id)
 {
 	const std::string symbol = instantiate_symbol(className);
 	if (symbol.empty())
@@ -144,7 +153,9 @@ instantiate_object(BMessage* archive, image_id* id)
 	const char* name;
 	if (archive == nullptr || archive->FindString(kClassField, &name) != B_OK || tDepth >= kDeepest)
 		return nullptr;
-	const instantiation_func func = find_func(name, id);
+	instantiation_func func = find_func(name, id);
+	if (func == nullptr)
+		func = find_func(newer_name(name), id);
 	if (func == nullptr)
 		return nullptr;
 	tDepth++;

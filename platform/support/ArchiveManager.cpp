@@ -39,6 +39,13 @@ ArchiveManager::ObjectArchived(const BArchivable* object, const BMessage* archiv
 	}
 }
 
+void
+ArchiveManager::ObjectGone(const BArchivable* object)
+{
+	for (ArchiveManager* manager = tInnermost; manager != nullptr; manager = manager->fOuter)
+		manager->fTokens.erase(object);
+}
+
 status_t
 ArchiveManager::TokenOf(const BArchivable* object, bool deep, int32* token)
 {

@@ -24,6 +24,8 @@ public:
 	//! The one at work on this thread that `archive` is a message of; NULL if there is none.
 	static ArchiveManager* Find(const BMessage* archive);
 	static void ObjectArchived(const BArchivable* object, const BMessage* archive);
+	//! Its archive stays; what comes to lie in its place is another object.
+	static void ObjectGone(const BArchivable* object);
 
 	status_t TokenOf(const BArchivable* object, bool deep, int32* token);
 	bool Knows(const BArchivable* object) const { return fTokens.contains(object); }

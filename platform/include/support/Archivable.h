@@ -152,7 +152,8 @@ typedef BArchivable* (*instantiation_func)(BMessage*);
 	images that are loaded are asked: an archive is data and must not make the program load code, so
 	its field "add_on" has no effect. */
 BArchivable* instantiate_object(BMessage* archive, image_id* id = nullptr);
-//! Is `archive` one of an object of this class or of a class derived from it?
+/*!	Is `archive` one of an object of this class or of a class derived from it? Of a class in BPrivate whose name begins
+	with an underline also when the archive names it without that namespace, as older systems did. */
 bool validate_instantiation(BMessage* archive, const char* className);
 //! The class's Instantiate() in any loaded image, or NULL. Names with "::" are taken apart;
 //! templates are not known.
