@@ -30,10 +30,17 @@ FieldLabel::Init(BView& field, BView* part)
 		WidgetProxy::MakerOf<ServerFieldLabel>([](ServerFieldLabel*, ProxySink*) {}),
 		[](BMessage*) {}));
 	SetAlignment(field, B_ALIGN_LEFT);
-	field.AddChild(part);
+	if (part->Parent() == NULL)
+		field.AddChild(part);
 	adjust_label(field, [id = ViewData::Of(part).proxy->Id()](ServerFieldLabel& widget) {
 		widget.SetPart(Registry::Default().Find(id));
 	});
+}
+
+float
+FieldLabel::UsualDivider(BRect frame, const char* label)
+{
+	return is_empty(label) ? 0 : floorf(frame.Width() / 2);
 }
 
 void

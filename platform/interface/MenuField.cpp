@@ -3,6 +3,7 @@
 #include "interface/MenuFieldBar.h"
 #include "interface/ViewData.h"
 #include "server/ServerMenuField.h"
+#include "support/ArchiveFields.h"
 
 #include <MenuField.h>
 #include <Message.h>
@@ -16,6 +17,17 @@ _BMCMenuBar_::_BMCMenuBar_(BRect frame)
 	: BMenuBar(frame, "_mc_mb_", B_FOLLOW_ALL, B_ITEMS_IN_ROW, false)
 {
 	Init();
+}
+
+_BMCMenuBar_::_BMCMenuBar_(BMessage* data) : BMenuBar(data)
+{
+	Init();
+}
+
+BArchivable*
+_BMCMenuBar_::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "_BMCMenuBar_") ? new _BMCMenuBar_(data) : NULL;
 }
 
 void
@@ -41,15 +53,55 @@ BMenuField::BMenuField(BRect frame, const char* name, const char* label, BMenu* 
 	: BMenuField(frame, name, label, menu, false, resizingMode, flags)
 { }
 
-BMenuField::BMenuField(BRect frame, const char* name, const char* label, BMenu* menu, bool,
-	uint32 resizingMode, uint32 flags)
+BMenuField::BMenuField(BRect frame, const char* name, const char* label, BMenu* menu,
+	bool fixedSize, uint32 resizingMode, uint32 flags)
 	: BView(frame, name, resizingMode, flags),
 	  fLabel(label != NULL ? strdup(label) : NULL),
+	  fBar(new _BMCMenuBar_(Bounds())),
 	  fAlignment(B_ALIGN_LEFT),
-	  fDivider(label != NULL && *label != 0 ? floorf(frame.Width() / 2) : 0),
-	  fEnabled(true)
+	  fDivider(FieldLabel::UsualDivider(frame, label)),
+	  fEnabled(true),
+	  fFixedSize(fixedSize)
 {
-	Init(menu);
+	if (menu != NULL)
+		fBar->AddItem(menu);
+	Init();
+}
+
+BMenuField::BMenuField(BMessage* data)
+	: BView(data),
+	  fLabel(NULL),
+	  fBar(FieldLabel::ArchivedPart<_BMCMenuBar_>(*this))
+{
+	const BMessage& archive = archive_or_empty(data);
+	if (fBar == NULL)
+		fBar = new _BMCMenuBar_(Bounds());
+	if (const char* label = archive.GetString("_label"))
+		fLabel = strdup(label);
+	fDivider = archived_float(archive, "_divide", 0, FieldLabel::UsualDivider(Frame(), fLabel));
+	fFixedSize = archive.GetBool("be:fixeds", false);
+	Init();
+	SetAlignment(alignment(archived_choice(archive, "_align", B_ALIGN_CENTER, B_ALIGN_LEFT)));
+	SetEnabled(!archive.GetBool("_disable", false));
+}
+
+BArchivable*
+BMenuField::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BMenuField") ? new BMenuField(data) : NULL;
+}
+
+status_t
+BMenuField::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BView::Archive(data, deep));
+	writer.String("_label", fLabel);
+	writer.True("_disable", !fEnabled);
+	writer.Int32("_align", fAlignment);
+	writer.Float("_divide", fDivider);
+	writer.True("be:fixeds", fFixedSize);
+	writer.Bool("be:dmark", true); // the mark of a menu that opens
+	return writer.Status();
 }
 
 BMenuField::~BMenuField()
@@ -58,12 +110,9 @@ BMenuField::~BMenuField()
 }
 
 void
-BMenuField::Init(BMenu* menu)
+BMenuField::Init()
 {
-	fBar = new _BMCMenuBar_(Bounds());
 	FieldLabel::Init(*this, fBar);
-	if (menu != NULL)
-		fBar->AddItem(menu);
 	SetDivider(fDivider);
 	FieldLabel::SetLabel(*this, *fBar, fLabel);
 }

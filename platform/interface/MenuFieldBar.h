@@ -6,6 +6,9 @@
 class _BMCMenuBar_ : public BMenuBar {
 public:
 	explicit _BMCMenuBar_(BRect frame);
+	explicit _BMCMenuBar_(BMessage* data);
+
+	static BArchivable* Instantiate(BMessage* data);
 
 	//! Before it comes into a window.
 	void Refresh() { ShowChanges(); }

@@ -1,10 +1,34 @@
+#include "support/ArchiveFields.h"
+
 #include <TabView.h>
 
+using namespace BPrivate;
+
 BTab::BTab(BView* contents) : fView(contents), fTabView(NULL), fEnabled(true), fSelected(false) { }
+
+BTab::BTab(BMessage* data) : BTab()
+{
+	fEnabled = !archive_or_empty(data).GetBool("_disable", false);
+}
 
 BTab::~BTab()
 {
 	SetView(NULL);
+}
+
+BArchivable*
+BTab::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BTab") ? new BTab(data) : NULL;
+}
+
+status_t
+BTab::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BArchivable::Archive(data, deep));
+	if (!fEnabled)
+		writer.Bool("_disable", false);
+	return writer.Status();
 }
 
 const char*

@@ -1,6 +1,7 @@
 #include "interface/ViewData.h"
 #include "interface/WidgetText.h"
 #include "server/ServerTabs.h"
+#include "support/ArchiveFields.h"
 
 #include <Message.h>
 #include <QScopedValueRollback>
@@ -13,15 +14,115 @@ using namespace BPrivate;
 // of tabs that cannot be asked, around the text
 static constexpr float kTabMargin = 4;
 
+// In archives: the tabs and, in the same order, their views.
+static constexpr const char* kTabs = "_l_items";
+static constexpr const char* kPages = "_view_list";
+
+static BView*
+new_container()
+{
+	return new BView(BRect(), "view container", B_FOLLOW_ALL, B_WILL_DRAW);
+}
+
 BTabView::BTabView(
 	BRect frame, const char* name, button_width width, uint32 resizingMode, uint32 flags)
 	: BView(frame, name, resizingMode, flags),
-	  fContainer(new BView(BRect(), "view container", B_FOLLOW_ALL, B_WILL_DRAW)),
+	  fContainer(new_container()),
 	  fTabWidth(width),
 	  fSelection(-1),
 	  fByUser(false)
 {
 	Init();
+	AddChild(fContainer);
+}
+
+BTabView::BTabView(BMessage* data)
+	: BView(BUnarchiver::PrepareArchive(data)),
+	  fContainer(ChildAt(0)),
+	  fTabWidth(B_WIDTH_AS_USUAL),
+	  fSelection(-1),
+	  fByUser(false)
+{
+	BUnarchiver unarchiver(data);
+	const int16 width = archive_or_empty(data).GetInt16("_but_width", B_WIDTH_AS_USUAL);
+	if (width >= B_WIDTH_AS_USUAL && width <= B_WIDTH_FROM_LABEL)
+		fTabWidth = button_width(width);
+	if (fContainer == NULL) {
+		fContainer = new_container();
+		AddChild(fContainer);
+	}
+	Init();
+	unarchiver.Finish(ReadTabs(unarchiver));
+}
+
+BArchivable*
+BTabView::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BTabView") ? new BTabView(data) : NULL;
+}
+
+status_t
+BTabView::Archive(BMessage* data, bool deep) const
+{
+	BArchiver archiver(data);
+	ArchiveWriter writer(data, BView::Archive(data, deep));
+	writer.Int16("_but_width", fTabWidth);
+	writer.Float("_high", fTabHeight);
+	writer.Int32("_sel", fSelection);
+	for (size_t i = 0; deep && i < fTabs.size(); i++) {
+		writer.Done(archiver.AddArchivable(kTabs, fTabs[i]));
+		writer.Done(archiver.AddArchivable(kPages, fTabs[i]->View()));
+	}
+	return archiver.Finish(writer.Status());
+}
+
+status_t
+BTabView::ReadTabs(BUnarchiver& unarchiver)
+{
+	const BMessage& archive = archive_or_empty(unarchiver.ArchiveMessage());
+	// in the older form the view that is seen is there twice
+	while (BView* copy = archive.HasMessage(kPages) ? fContainer->ChildAt(0) : NULL) {
+		fContainer->RemoveChild(copy);
+		delete copy;
+	}
+	type_code type;
+	int32 count = 0;
+	archive.GetInfo(kTabs, &type, &count);
+	status_t result = B_OK;
+	for (int32 i = 0; i < count; i++) {
+		BTab* tab;
+		BView* page;
+		status_t status = unarchiver.FindObject(kTabs, i, tab);
+		if (status == B_OK)
+			status = tab != NULL ? ReadPage(unarchiver, i, page) : B_BAD_VALUE;
+		if (status == B_OK)
+			BTabView::AddTab(page, tab);
+		else
+			delete tab;
+		if (result == B_OK)
+			result = status;
+	}
+	BTabView::Select(archive.GetInt32("_sel", -1));
+	return result;
+}
+
+//! The one that is seen is the container's already. With a layout all are, and those that are not seen are hidden.
+status_t
+BTabView::ReadPage(BUnarchiver& unarchiver, int32 index, BView*& page)
+{
+	const BMessage& archive = *unarchiver.ArchiveMessage();
+	status_t status = unarchiver.FindObject(kPages, index, page);
+	if (status == B_OK || !archive.HasInt32(kPages, index))
+		return status;
+	status = unarchiver.FindObject(kPages, index, BUnarchiver::B_DONT_ASSUME_OWNERSHIP, page);
+	if (status != B_OK)
+		return status;
+	if (page->Parent() != fContainer)
+		return B_BAD_VALUE;
+	if (index != archive.GetInt32("_sel", -1) && page->IsHidden(fContainer))
+		page->Show();
+	page->RemoveSelf();
+	return B_OK;
 }
 
 BTabView::~BTabView()
@@ -46,7 +147,6 @@ BTabView::Init()
 		}));
 	fContainer->SetViewColor(ui_color(B_PANEL_BACKGROUND_COLOR));
 	FitContainer();
-	AddChild(fContainer);
 }
 
 void

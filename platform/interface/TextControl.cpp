@@ -1,6 +1,7 @@
 #include "interface/FieldLabel.h"
 #include "interface/TextInput.h"
 #include "interface/ViewData.h"
+#include "support/ArchiveFields.h"
 
 #include <Message.h>
 #include <TextControl.h>
@@ -12,6 +13,14 @@ using namespace BPrivate;
 _BTextInput_::_BTextInput_(BRect frame)
 	: BTextView(frame, "_input_", B_FOLLOW_ALL, B_WILL_DRAW | B_NAVIGABLE)
 { }
+
+_BTextInput_::_BTextInput_(BMessage* data) : BTextView(data, true) { }
+
+BArchivable*
+_BTextInput_::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BPrivate::_BTextInput_") ? new _BTextInput_(data) : NULL;
+}
 
 void
 _BTextInput_::SetEnabled(bool enabled)
@@ -51,11 +60,47 @@ _BTextInput_::UserLeft()
 BTextControl::BTextControl(BRect frame, const char* name, const char* label,
 	const char* initialText, BMessage* message, uint32 resizingMode, uint32 flags)
 	: BControl(frame, name, label, message, resizingMode, flags),
+	  fText(new _BTextInput_(Bounds())),
 	  fModification(NULL),
 	  fLabelAlignment(B_ALIGN_LEFT),
-	  fDivider(label != NULL && *label != 0 ? floorf(frame.Width() / 2) : 0)
+	  fDivider(FieldLabel::UsualDivider(frame, label))
 {
-	Init(initialText);
+	Init();
+	SetText(initialText);
+}
+
+BTextControl::BTextControl(BMessage* data)
+	: BControl(data),
+	  fText(FieldLabel::ArchivedPart<_BTextInput_>(*this)),
+	  fModification(archived_message(archive_or_empty(data), "_mod_msg")),
+	  fDivider(archived_float(
+		  archive_or_empty(data), "_divide", 0, FieldLabel::UsualDivider(Frame(), Label())))
+{
+	const BMessage& archive = archive_or_empty(data);
+	if (fText == NULL)
+		fText = new _BTextInput_(Bounds());
+	fCommitted = fText->Text();
+	Init();
+	SetAlignment(alignment(archived_choice(archive, "_a_label", B_ALIGN_CENTER, B_ALIGN_LEFT)),
+		alignment(archived_choice(archive, "_a_text", B_ALIGN_CENTER, fText->Alignment())));
+	SetEnabled(IsEnabled());
+}
+
+BArchivable*
+BTextControl::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BTextControl") ? new BTextControl(data) : NULL;
+}
+
+status_t
+BTextControl::Archive(BMessage* data, bool deep) const
+{
+	ArchiveWriter writer(data, BControl::Archive(data, deep));
+	writer.Int32("_a_label", fLabelAlignment);
+	writer.Int32("_a_text", fText->Alignment());
+	writer.Float("_divide", fDivider);
+	writer.Message("_mod_msg", fModification);
+	return writer.Status();
 }
 
 BTextControl::~BTextControl()
@@ -64,13 +109,11 @@ BTextControl::~BTextControl()
 }
 
 void
-BTextControl::Init(const char* initialText)
+BTextControl::Init()
 {
-	fText = new _BTextInput_(Bounds());
 	FieldLabel::Init(*this, fText);
 	SetDivider(fDivider);
 	SetLabel(Label());
-	SetText(initialText);
 }
 
 //! Whoever is told may well be there still.

@@ -4,10 +4,15 @@
 
 class BTextControl;
 
+namespace BPrivate {
+
 //! The line of a text control; archived by this name.
 class _BTextInput_ : public BTextView {
 public:
 	explicit _BTextInput_(BRect frame);
+	explicit _BTextInput_(BMessage* data);
+
+	static BArchivable* Instantiate(BMessage* data);
 
 	void SetEnabled(bool enabled);
 
@@ -17,3 +22,5 @@ private:
 	void UserEntered() override;
 	void UserLeft() override;
 };
+
+} // namespace BPrivate

@@ -1,7 +1,9 @@
 #include "interface/ViewData.h"
 #include "interface/WidgetText.h"
 #include "server/ServerText.h"
+#include "support/ArchiveFields.h"
 
+#include <GraphicsDefs.h>
 #include <Message.h>
 #include <TextView.h>
 #include <algorithm>
@@ -24,7 +26,7 @@ BTextView::BTextView(
 	  fIsLine(false)
 {
 	Init();
-	BTextView::SetInsets(std::max(textRect.left, 0.0f), std::max(textRect.top, 0.0f), 0, 0);
+	SetTextRect(textRect);
 }
 
 BTextView::BTextView(BRect frame, const char* name, uint32 resizingMode, uint32 flags)
@@ -48,6 +50,7 @@ maker_of(const char* name)
 void
 BTextView::Init()
 {
+	fInsets = BRect(0, 0, 0, 0);
 	fMaxBytes = INT32_MAX;
 	fAlignment = B_ALIGN_LEFT;
 	fEditable = true;
@@ -74,16 +77,30 @@ void
 BTextView::SetViewColor(rgb_color color)
 {
 	BView::SetViewColor(color);
-	adjust_text(this,
-		[color = to_qcolor(color)](ServerText& text) { text.SetColor(QPalette::Base, color); });
+	ShowPaperColor();
+}
+
+void
+BTextView::ShowPaperColor()
+{
+	adjust_text(this, [color = to_qcolor(ViewColor())](ServerText& text) {
+		text.SetColor(QPalette::Base, color);
+	});
 }
 
 void
 BTextView::SetHighColor(rgb_color color)
 {
 	BView::SetHighColor(color);
-	adjust_text(this,
-		[color = to_qcolor(color)](ServerText& text) { text.SetColor(QPalette::Text, color); });
+	ShowTextColor();
+}
+
+void
+BTextView::ShowTextColor()
+{
+	adjust_text(this, [color = to_qcolor(HighColor())](ServerText& text) {
+		text.SetColor(QPalette::Text, color);
+	});
 }
 
 void
@@ -203,8 +220,22 @@ BTextView::Alignment() const
 void
 BTextView::SetInsets(float left, float top, float right, float bottom)
 {
+	fInsets = BRect(left, top, right, bottom);
 	const QMargins margins(left, top, right, bottom);
 	adjust_text(this, [margins](ServerText& text) { text.SetMargins(margins); });
+}
+
+BRect
+BTextView::TextRect() const
+{
+	return BRect(fInsets.left, fInsets.top, Bounds().Width() - fInsets.right,
+		Bounds().Height() - fInsets.bottom);
+}
+
+void
+BTextView::SetTextRect(BRect rect)
+{
+	SetInsets(std::max(rect.left, 0.0f), std::max(rect.top, 0.0f), 0, 0);
 }
 
 void
@@ -308,3 +339,74 @@ BTextView::UserEntered()
 void
 BTextView::UserLeft()
 { }
+
+// Archives
+
+// What the platform has when nobody asks for something else.
+static constexpr float kTabWidth = 28;
+static constexpr int32 kColorSpace = B_CMAP8;
+
+BTextView::BTextView(BMessage* data) : BTextView(data, false) { }
+
+BTextView::BTextView(BMessage* data, bool isLine) : BView(data), fIsLine(isLine)
+{
+	Init();
+	Read(archive_or_empty(data));
+}
+
+void
+BTextView::Read(const BMessage& archive)
+{
+	// a line's is the control's affair
+	if (!fIsLine)
+		SetTextRect(archived_rect(archive, "_trect", BRect(0, 0, 0, 0)));
+	// every view is archived with colours: those that nobody has chosen are the desktop's
+	if (ViewColor() != ViewData().viewColor)
+		ShowPaperColor();
+	if (HighColor() != DrawState().high)
+		ShowTextColor();
+	fMaxBytes = std::max(archive.GetInt32("_max", INT32_MAX), 0);
+	const void* characters;
+	ssize_t size;
+	if (archive.FindData("_dis_ch", B_RAW_TYPE, &characters, &size) == B_OK) {
+		fDisallowed.resize(size / sizeof(char32_t));
+		memcpy(fDisallowed.data(), characters, fDisallowed.size() * sizeof(char32_t));
+	}
+	ShowRules();
+	SetText(archive.GetString("_text"));
+	SetAlignment(alignment(archived_choice(archive, "_align", B_ALIGN_CENTER, B_ALIGN_LEFT)));
+	SetWordWrap(archive.GetBool("_wrap", true));
+	fSelectable = !archive.GetBool("_nsel", false);
+	MakeEditable(!archive.GetBool("_nedit", false));
+	BTextView::Select(archive.GetInt32("_sel", 0, 0), archive.GetInt32("_sel", 1, 0));
+}
+
+BArchivable*
+BTextView::Instantiate(BMessage* data)
+{
+	return validate_instantiation(data, "BTextView") ? new BTextView(data) : NULL;
+}
+
+status_t
+BTextView::Archive(BMessage* data, bool deep) const
+{
+	int32 selected[2];
+	GetSelection(&selected[0], &selected[1]);
+	ArchiveWriter writer(data, BView::Archive(data, deep));
+	writer.String("_text", Text());
+	writer.Int32("_align", fAlignment);
+	writer.Float("_tab", kTabWidth);
+	writer.Int32("_col_sp", kColorSpace);
+	writer.Rect("_trect", TextRect());
+	writer.Int32("_max", fMaxBytes);
+	for (int32 offset : selected)
+		writer.Int32("_sel", offset);
+	writer.Bool("_stylable", false);
+	writer.Bool("_auto_in", false);
+	writer.Bool("_wrap", fWrap);
+	writer.Bool("_nsel", !fSelectable);
+	writer.Bool("_nedit", !fEditable);
+	writer.Bool("_password", false);
+	writer.Raw("_dis_ch", fDisallowed.data(), fDisallowed.size() * sizeof(char32_t));
+	return writer.Status();
+}

@@ -85,6 +85,13 @@ ArchiveWriter::Message(const char* name, const BMessage* value)
 }
 
 void
+ArchiveWriter::Raw(const char* name, const void* bytes, size_t size)
+{
+	if (fStatus == B_OK && size > 0)
+		fStatus = fInto->AddData(name, B_RAW_TYPE, bytes, size, false);
+}
+
+void
 ArchiveWriter::Object(const char* name, const BArchivable* value)
 {
 	if (fStatus != B_OK || value == NULL)

@@ -24,6 +24,8 @@ public:
 	//! Nothing for NULL.
 	void String(const char* name, const char* value);
 	void Message(const char* name, const BMessage* value);
+	//! B_RAW_TYPE; nothing for 0 bytes.
+	void Raw(const char* name, const void* bytes, size_t size);
 	//! The object's archive as a nested message; nothing for NULL.
 	void Object(const char* name, const BArchivable* value);
 	//! What is done with the archive by other means.

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <Control.h>
+#include <memory>
+#include <vector>
 
 //! Columns and rows of the cells that the control is as large as.
 enum color_control_layout {
@@ -41,6 +43,7 @@ public:
 
 private:
 	void Init();
+	std::vector<std::unique_ptr<BView>> NumberFields() const;
 	void TellCells();
 
 	color_control_layout fLayout;

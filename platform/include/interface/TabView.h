@@ -95,7 +95,6 @@ private:
 
 	void Init();
 	status_t ReadTabs(BUnarchiver& unarchiver);
-	BTab* ReadTab(BUnarchiver& unarchiver, int32 index, status_t* status);
 	status_t ReadPage(BUnarchiver& unarchiver, int32 index, BView*& page);
 	void FitContainer();
 	void ShowTab(const BTab* tab);

@@ -3,15 +3,22 @@
 #include <Box.h>
 #include <Button.h>
 #include <CheckBox.h>
+#include <ColorControl.h>
 #include <DataIO.h>
 #include <MenuBar.h>
+#include <MenuField.h>
 #include <MenuItem.h>
 #include <Message.h>
 #include <PopUpMenu.h>
+#include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <RadioButton.h>
 #include <StringView.h>
+#include <TabView.h>
+#include <TextControl.h>
+#include <TextView.h>
 #include <cmath>
 #include <functional>
 #include <gmock/gmock.h>
@@ -92,6 +99,45 @@ built(BMessage archive)
 
 const BRect kFrame(10, 20, 109, 49);
 
+BTabView*
+tabs()
+{
+	auto* tabs = new BTabView(BRect(5, 210, 390, 290), "tabs", B_WIDTH_FROM_LABEL);
+	for (const char* label : {"Text", "Colours", "Menu"})
+		tabs->AddTab(new BView(kFrame, label, B_FOLLOW_NONE, B_WILL_DRAW));
+	auto* control = new BTextControl(kFrame, "TCtl", "Length", "日本 12", new BMessage('text'));
+	control->SetModificationMessage(new BMessage('modi'));
+	control->SetAlignment(B_ALIGN_RIGHT, B_ALIGN_CENTER);
+	control->SetDivider(33);
+	control->SetEnabled(false);
+	control->TextView()->SetMaxBytes(20);
+	control->TextView()->DisallowChar('x');
+	control->TextView()->DisallowChar(U'𝄞');
+	tabs->ViewForTab(0)->AddChild(control);
+	auto* text = new BTextView(kFrame, "TView", BRect(3, 4, 50, 20), B_FOLLOW_ALL);
+	text->SetText("one\ntwo");
+	text->Select(1, 5);
+	text->MakeEditable(false);
+	text->SetWordWrap(false);
+	text->SetViewColor(1, 2, 3);
+	tabs->ViewForTab(0)->AddChild(text);
+	for (int32 color : {0x102030, 0x7f80ff}) {
+		auto* control = new BColorControl(BPoint(1, 2), B_CELLS_16x16, 4, "Color", nullptr);
+		control->SetValue(color << 8);
+		tabs->ViewForTab(1)->AddChild(control);
+	}
+	auto* choice = new BPopUpMenu("Choice");
+	choice->AddItem(new BMenuItem("First", new BMessage('frst')));
+	choice->AddItem(new BMenuItem("Second", nullptr));
+	choice->ItemAt(1)->SetMarked(true);
+	auto* field = new BMenuField(kFrame, "Field", "Choose", choice, true);
+	field->SetDivider(44);
+	field->SetAlignment(B_ALIGN_RIGHT);
+	tabs->ViewForTab(2)->AddChild(field);
+	tabs->Select(1);
+	return tabs;
+}
+
 BView*
 dialog()
 {
@@ -132,6 +178,7 @@ dialog()
 	button->MakeDefault(true);
 	button->Hide();
 	dialog->AddChild(button);
+	dialog->AddChild(tabs());
 	return dialog;
 }
 
@@ -142,14 +189,18 @@ nested_form(const BMessage& archive, const BMessage& top)
 	BMessage nested(archive);
 	nested.RemoveName("_managed_archive");
 	nested.RemoveName("_managed_archivable");
-	nested.RemoveName("_views");
 	nested.RemoveName("BView:layout");
+	if (validate_instantiation(&nested, "BPrivate::_BTextInput_"))
+		nested.ReplaceString("class", "_BTextInput_");
 	int32 token;
-	for (int32 i = 0; archive.FindInt32("_views", i, &token) == B_OK; i++) {
-		BMessage child;
-		EXPECT_EQ(top.FindMessage("_managed_archivable", token - 1, &child), B_OK);
-		child = nested_form(child, top);
-		nested.AddMessage("_views", &child);
+	for (const char* field : {"_views", "_l_items", "_view_list"}) {
+		nested.RemoveName(field);
+		for (int32 i = 0; archive.FindInt32(field, i, &token) == B_OK; i++) {
+			BMessage child;
+			EXPECT_EQ(top.FindMessage("_managed_archivable", token - 1, &child), B_OK);
+			child = nested_form(child, top);
+			nested.AddMessage(field, &child);
+		}
 	}
 	return nested;
 }
@@ -221,6 +272,67 @@ TEST(Archive, HasThePlatformsFields)
 						  "_rsize_to_fit BOOL true\n_disable BOOL false\n_radio BOOL true\n"
 						  "_trig_disabled BOOL true\n_dyn_label BOOL true\n_maxwidth FLOT 0\n"));
 
+	BTab tab;
+	EXPECT_EQ(fields_of(archive_of(tab)), "class CSTR BTab\n");
+	tab.SetEnabled(false);
+	EXPECT_EQ(fields_of(archive_of(tab)), "class CSTR BTab\n_disable BOOL false\n");
+
+	BTextControl control(kFrame, "a", "label", "", nullptr, B_FOLLOW_LEFT_TOP, B_WILL_DRAW);
+	BMenuField field(kFrame, "a", "label", nullptr, B_FOLLOW_LEFT_TOP, B_WILL_DRAW);
+	BTextView area(kFrame, "a", BRect(3, 4, 50, 20), B_FOLLOW_LEFT_TOP, B_WILL_DRAW);
+	area.SetText("words");
+	area.Select(1, 3);
+	area.DisallowChar('x');
+	BTabView tabView(kFrame, "a", B_WIDTH_FROM_WIDEST, B_FOLLOW_LEFT_TOP, B_WILL_DRAW);
+	tabView.AddTab(nullptr);
+	tabView.AddTab(new BView(kFrame, "b", B_FOLLOW_NONE, 0));
+	tabView.Select(1);
+	BColorControl color(B_ORIGIN, B_CELLS_16x16, 4, "a");
+	color.SetValue(0x102030 << 8);
+	const std::string high = "_high FLOT " + std::to_string(int(tabView.TabHeight())) + "\n";
+	const std::string kDivided = "_divide FLOT 49\n";
+	const struct {
+		const BArchivable& object;
+		std::string children;
+		std::string own;
+		std::string parts; // that are written with it
+	} kOthers[] = {
+		{control, "_views LONG 1\n",
+			"_label CSTR label\n_a_label LONG 0\n_a_text LONG 0\n" + kDivided,
+			"BPrivate::_BTextInput_ _input_ "},
+		{field, "_views LONG 1\n",
+			"_label CSTR label\n_align LONG 0\n" + kDivided + "be:dmark BOOL true\n",
+			"_BMCMenuBar_ _mc_mb_ "},
+		{area, "",
+			"_text CSTR words\n_align LONG 0\n_tab FLOT 28\n_col_sp LONG 4\n_trect RECT 16 bytes\n"
+			"_max LONG 2147483647\n_sel LONG 1 3\n_stylable BOOL false\n_auto_in BOOL false\n"
+			"_wrap BOOL true\n_nsel BOOL false\n_nedit BOOL false\n_password BOOL false\n"
+			"_dis_ch RAWT 4 bytes\n",
+			""},
+		{tabView, "_views LONG 1\n",
+			"_but_width SHRT 1\n" + high + "_sel LONG 1\n_l_items LONG 3 4\n_view_list LONG -1 2\n",
+			"BView view container BView b BTab  BTab  "},
+		{color, "_views LONG 1 3 5\n",
+			"_val LONG 270544896\n_layout LONG 16\n_csize FLOT 4\n_use_off BOOL false\n",
+			"BTextControl _red BPrivate::_BTextInput_ _input_ BTextControl _green "
+			"BPrivate::_BTextInput_ _input_ BTextControl _blue BPrivate::_BTextInput_ _input_ "},
+	};
+	for (const auto& other : kOthers) {
+		const BMessage archive = archive_of(other.object);
+		SCOPED_TRACE(archive.GetString("class"));
+		std::string parts;
+		BMessage part;
+		for (int32 i = 0; archive.FindMessage("_managed_archivable", i, &part) == B_OK; i++)
+			parts += std::string(part.GetString("class")) + " " + part.GetString("_name", "") + " ";
+		EXPECT_EQ(parts, other.parts);
+		BMessage alone(archive);
+		alone.RemoveName("_managed_archivable");
+		alone.RemoveName("_managed_archive");
+		const std::string fields = fields_of(alone);
+		const std::string rest = "_show SHRT 0\n" + other.children + "BView:layout LONG -1\n";
+		EXPECT_THAT(fields, testing::EndsWith(rest + other.own));
+	}
+
 	// only what was set
 	BFont font;
 	font.SetFamilyAndStyle("Haru", "Bold");
@@ -249,7 +361,7 @@ TEST(Archive, DialogIsBuiltAgainFromBothForms)
 	int32 count;
 	type_code type;
 	ASSERT_EQ(read.GetInfo("_managed_archivable", &type, &count), B_OK);
-	EXPECT_EQ(count, 8); // the menus are in the bar's own archive
+	EXPECT_EQ(count, 35); // the menus are in the bar's own archive
 
 	for (const BMessage& form : {read, nested_form(read, read)}) {
 		const std::unique_ptr<BView> copy = built<BView>(form);
@@ -271,13 +383,36 @@ TEST(Archive, DialogIsBuiltAgainFromBothForms)
 		EXPECT_STREQ(menu->Superitem()->Label(), "日本語");
 		EXPECT_EQ(menu->FindMarked(), menu->ItemAt(2));
 		EXPECT_TRUE(copy->FindView("Button")->IsHidden(copy.get()));
+
+		auto* tabs = dynamic_cast<BTabView*>(copy->FindView("tabs"));
+		ASSERT_NE(tabs, nullptr);
+		ASSERT_EQ(tabs->CountTabs(), 3);
+		EXPECT_EQ(tabs->Selection(), 1);
+		EXPECT_EQ(tabs->ContainerView()->CountChildren(), 1);
+		EXPECT_EQ(tabs->ContainerView()->ChildAt(0), tabs->ViewForTab(1));
+		EXPECT_STREQ(tabs->TabAt(2)->Label(), "Menu");
+		auto* control = dynamic_cast<BTextControl*>(tabs->ViewForTab(0)->ChildAt(0));
+		ASSERT_NE(control, nullptr);
+		EXPECT_STREQ(control->Text(), "日本 12");
+		EXPECT_EQ(control->CountChildren(), 1);
+		EXPECT_EQ(control->TextView()->Parent(), control);
+		EXPECT_EQ(control->ModificationMessage()->what, uint32('modi'));
+		auto* last = dynamic_cast<BColorControl*>(tabs->ViewForTab(1)->ChildAt(1));
+		ASSERT_NE(last, nullptr);
+		EXPECT_EQ(uint32(last->Value()), 0x7f80ff00u);
+		EXPECT_EQ(last->CountChildren(), 0);
+		auto* field = dynamic_cast<BMenuField*>(tabs->ViewForTab(2)->ChildAt(0));
+		ASSERT_NE(field, nullptr);
+		ASSERT_NE(field->Menu(), nullptr);
+		EXPECT_EQ(field->Menu()->FindMarked(), field->Menu()->ItemAt(1));
+		EXPECT_STREQ(field->MenuItem()->Label(), "Second");
 	}
 
 	// an add-on's own class is built directly; its base finds the children
 	BMessage own(read);
 	own.ReplaceString("class", "HiddenView");
 	EXPECT_EQ(instantiate_object(&own), nullptr);
-	EXPECT_EQ(HiddenView(&own).CountChildren(), 3);
+	EXPECT_EQ(HiddenView(&own).CountChildren(), 4);
 }
 
 TEST(Archive, WindowIsBuiltAgainAndShowsItsControls)
@@ -300,7 +435,8 @@ TEST(Archive, WindowIsBuiltAgainAndShowsItsControls)
 	EXPECT_EQ(flat(archive_of(*window)), flat(archive));
 	auto* box = dynamic_cast<BCheckBox*>(window->FindView("CBox"));
 	auto* text = dynamic_cast<BStringView*>(window->FindView("StrView"));
-	ASSERT_TRUE(box != nullptr && text != nullptr);
+	auto* tabs = dynamic_cast<BTabView*>(window->FindView("tabs"));
+	ASSERT_TRUE(box != nullptr && text != nullptr && tabs != nullptr);
 	window->Show();
 	settle(window);
 	const QString shown = on_widget<QAbstractButton>(box, [](QAbstractButton& widget) {
@@ -316,6 +452,31 @@ TEST(Archive, WindowIsBuiltAgainAndShowsItsControls)
 	EXPECT_EQ(on_widget<QLabel>(text,
 				  [](QLabel& label) { return label.palette().color(QPalette::WindowText).red(); }),
 		200);
+
+	const auto choose = [&](int32 tab) {
+		window->Lock();
+		tabs->Select(tab);
+		window->Unlock();
+		settle(window);
+	};
+	choose(0);
+	auto* control = dynamic_cast<BTextControl*>(window->FindView("TCtl"));
+	ASSERT_NE(control, nullptr);
+	EXPECT_EQ(on_widget<QLineEdit>(control->TextView(),
+				  [](QLineEdit& line) {
+					  return QString("%1 %2 %3 %4")
+						  .arg(line.text())
+						  .arg(line.isEnabled())
+						  .arg(line.isVisible())
+						  .arg(line.alignment().testFlag(Qt::AlignHCenter));
+				  }),
+		"日本 12 0 1 1");
+	choose(2);
+	auto* field = dynamic_cast<BMenuField*>(window->FindView("Field"));
+	ASSERT_NE(field, nullptr);
+	EXPECT_EQ(on_widget<QComboBox>(field->MenuBar(),
+				  [](QComboBox& box) { return box.isVisible() ? box.currentText() : ""; }),
+		"Second");
 	window->Lock();
 	window->Quit();
 }
@@ -338,6 +499,41 @@ TEST(Archive, DamageDoesNoHarm)
 		top.AddBool("_managed_archive", true);
 		return top;
 	};
+	const auto tabbed
+		= [&](std::vector<int32> views, std::vector<int32> tabs, std::vector<int32> pages) {
+			  BMessage archive = child("BTabView", views);
+			  for (int32 token : tabs)
+				  archive.AddInt32("_l_items", token);
+			  for (int32 token : pages)
+				  archive.AddInt32("_view_list", token);
+			  return archive;
+		  };
+	const BMessage view = child("BView", {});
+	const BMessage tab = child("BTab", {});
+	BMessage field = child("BTextControl", {});
+	for (const char* name : {"BView", "BTextView", "_BTextInput_", "BPrivate::_BTextInput_"}) {
+		BMessage part = child(name, {});
+		part.AddString("_name", "_input_");
+		part.AddInt32("_max", -1);
+		part.AddInt32("_sel", 7);
+		part.AddData("_dis_ch", B_RAW_TYPE, "12345", 5, false);
+		field.AddMessage("_views", &part);
+	}
+	field.AddString("_name", "_red");
+	field.AddInt32("_a_label", -1);
+	field.AddFloat("_divide", NAN);
+	BMessage color = child("BColorControl", {});
+	for (const BMessage& part : {field, field, view})
+		color.AddMessage("_views", &part);
+	color.AddString("_name", "_red");
+	color.AddInt32("_layout", -4);
+	color.AddFloat("_csize", -INFINITY);
+	BMessage menuField = child("BMenuField", {});
+	BMessage bar = child("_BMCMenuBar_", {});
+	const BMessage item = child("BMenuItem", {});
+	bar.AddMessage("_items", &item);
+	for (const BMessage& part : {bar, field, bar})
+		menuField.AddMessage("_views", &part);
 	std::vector<BMessage> chain;
 	for (int32 token = 2; token <= 10000; token++)
 		chain.push_back(child("BView", {token}));
@@ -379,6 +575,25 @@ TEST(Archive, DamageDoesNoHarm)
 		{"an unknown class", managed(child("BView", {1}), {child("TUnknown", {})}), false},
 		{"no view", managed(child("BView", {1}), {child("BMenuItem", {})}), false},
 		{"a window as a view", managed(child("BView", {1}), {child("BWindow", {})}), false},
+		{"a tab", managed(tabbed({}, {1, 3}, {2, -1}), {tab, view, tab}), true},
+		{"a tab twice", managed(tabbed({}, {1, 1}, {2, 3}), {tab, view, view}), false},
+		{"a view of two tabs", managed(tabbed({}, {1, 2}, {3, 3}), {tab, tab, view}), false},
+		{"the view that is seen, of two tabs",
+			managed(tabbed({4}, {1, 2}, {3, 3}), {tab, tab, view, child("BView", {3})}), false},
+		{"a tab's view that is a child",
+			managed(child("BView", {1, 2}), {tabbed({}, {3}, {4}), child("BView", {4}), tab, view}),
+			false},
+		{"a child that is a tab's view",
+			managed(child("BView", {2, 1}), {tabbed({}, {3}, {4}), child("BView", {4}), tab, view}),
+			false},
+		{"a tab for all the tabs", managed(tabbed({2}, {1}, {0}), {tab, view}), false},
+		{"a tab for the container", managed(tabbed({2}, {1}, {2}), {tab, view}), false},
+		{"a tab without a token for its view", managed(tabbed({}, {1}, {}), {tab}), false},
+		{"no tab", managed(tabbed({}, {1, -1}, {2, 3}), {tab, view, view}), false},
+		{"a view as a tab", managed(tabbed({}, {1}, {2}), {view, view}), false},
+		{"a text control of four lines", field, true},
+		{"a color control with the name of its number", color, true},
+		{"a menu field of two bars", menuField, true},
 		{"objects that nobody asks for", managed(child("BView", {}), {child("BView", {0})}), true},
 		{"10 000 levels", managed(child("BView", {1}), chain), false},
 		{"1000 nested levels", deep, true},
@@ -418,19 +633,22 @@ TEST(Archive, DamageDoesNoHarm)
 			archive_of(*view);
 		BMessage direct(test.archive);
 		HiddenView(&direct).CountChildren();
+		archive_of(BTabView(&direct));
 	}
 
 	std::mt19937 random(42);
 	const std::string bytes = flat(whole);
-	for (int i = 0; i < 500; i++) {
+	for (int i = 0; i < 300; i++) {
 		std::string damaged = bytes;
 		for (int change = random() % 8; change >= 0; change--)
 			damaged[random() % damaged.size()] = char(random());
 		// read as a stream, since a changed length may be more than there is
 		BMemoryIO stream(damaged.data(), damaged.size());
 		BMessage archive;
-		if (archive.Unflatten(&stream) == B_OK)
+		if (archive.Unflatten(&stream) == B_OK) {
 			HiddenView view(&archive);
+			BTabView tabs(&archive);
+		}
 		if (const std::unique_ptr<BView> view = built<BView>(archive))
 			archive_of(*view);
 	}
