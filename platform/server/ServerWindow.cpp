@@ -57,9 +57,10 @@ ServerWindow::SetShown(bool shown)
 	if (!withoutFocus) {
 		raise();
 		activateWindow();
-		if (focusWidget() == nullptr)
-			fCanvas->setFocus();
 	}
+	// for when it becomes active, now or later
+	if (focusWidget() == nullptr)
+		fCanvas->setFocus();
 }
 
 void
