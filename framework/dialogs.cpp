@@ -34,19 +34,6 @@ count_buttons(BAlert* alert)
 	return count;
 }
 
-void
-set_keys(BAlert* alert, const char* keys)
-{
-	const int32 count = count_buttons(alert);
-	alert->SetShortcut(count - 1, B_ESCAPE);
-	for (int32 i = 0; i < count && keys != nullptr && keys[i] != '\0'; i++) {
-		const BButton* button = alert->ButtonAt(i);
-		if (keys[i] != ' ' && button->Message() != nullptr)
-			alert->AddShortcut(std::tolower(static_cast<unsigned char>(keys[i])), B_COMMAND_KEY,
-				new BMessage(*button->Message()));
-	}
-}
-
 bool
 register_alert(BAlert* alert)
 {
@@ -96,13 +83,26 @@ open_in_browser(const char* url)
 
 } // namespace
 
+void
+set_alert_keys(BAlert* alert, const char* keys)
+{
+	const int32 count = count_buttons(alert);
+	alert->SetShortcut(count - 1, B_ESCAPE);
+	for (int32 i = 0; i < count && keys != nullptr && keys[i] != '\0'; i++) {
+		const BButton* button = alert->ButtonAt(i);
+		if (keys[i] != ' ' && button->Message() != nullptr)
+			alert->AddShortcut(std::tolower(static_cast<unsigned char>(keys[i])), B_COMMAND_KEY,
+				new BMessage(*button->Message()));
+	}
+}
+
 int32
 show_alert(const char* title, const char* text, const char* button1, const char* button2,
 	const char* button3, const char* keys)
 {
 	auto* alert = new BAlert(title, text, button1, button2, button3);
 	const int32 escapeAnswer = count_buttons(alert) - 1;
-	set_keys(alert, keys);
+	set_alert_keys(alert, keys);
 	const BMessenger messenger(alert);
 	if (!register_alert(alert)) {
 		alert->Quit(); // ours as long as it has not been shown

@@ -2,6 +2,8 @@
 
 #include <SupportDefs.h>
 
+class BAlert;
+
 //! Boxes with a message for the user, and web pages.
 namespace merion {
 
@@ -13,6 +15,10 @@ namespace merion {
 	that could be shown, and while dismiss_alerts() holds, the answer is that of Escape at once. */
 int32 show_alert(const char* title, const char* text, const char* button1,
 	const char* button2 = nullptr, const char* button3 = nullptr, const char* keys = nullptr);
+
+/*!	The keys of a box that has not been shown: Escape presses the last button, and together with Command a letter of
+	`keys` (may be nullptr) the button of the same index; a blank is none. */
+void set_alert_keys(BAlert* alert, const char* keys);
 
 /*!	Closes all boxes that are open, as by Escape, and lets no more open until allow_alerts(): for the end of the application,
 	whose loopers may be waiting in one. Thread: any that holds no lock of a looper that shows a box. */

@@ -19,14 +19,32 @@ aside_name()
 	return ".Aside-" + std::to_string(self.team) + "-" + std::to_string(self.thread);
 }
 
+//! `write` fills a file of its own, which then takes the entry's place.
+template<typename Function>
 static status_t
-write_message(const BMessage& message, const BEntry& entry)
+save_aside(const BEntry& entry, bool mayReplace, Function write)
 {
-	BFile file(&entry, B_WRITE_ONLY | B_CREATE_FILE | B_ERASE_FILE);
-	status_t status = file.InitCheck();
+	char name[B_FILE_NAME_LENGTH];
+	BDirectory folder;
+	status_t status = entry.GetName(name);
 	if (status == B_OK)
-		status = message.Flatten(&file);
-	return status == B_OK ? file.Sync() : status;
+		status = entry.GetParent(&folder);
+	if (status != B_OK)
+		return status;
+
+	BEntry aside(&folder, aside_name().c_str());
+	BFile file(&aside, B_WRITE_ONLY | B_CREATE_FILE | B_ERASE_FILE);
+	status = file.InitCheck();
+	if (status == B_OK)
+		status = write(&file);
+	if (status == B_OK)
+		status = file.Sync();
+	file.Unset();
+	if (status == B_OK)
+		status = aside.Rename(name, mayReplace);
+	if (status != B_OK)
+		aside.Remove();
+	return status;
 }
 
 status_t
@@ -73,21 +91,18 @@ read_file(const BEntry& entry, size_t maxSize, std::string* bytes)
 status_t
 save_message(const BMessage& message, const BEntry& entry)
 {
-	char name[B_FILE_NAME_LENGTH];
-	BDirectory folder;
-	status_t status = entry.GetName(name);
-	if (status == B_OK)
-		status = entry.GetParent(&folder);
-	if (status != B_OK)
-		return status;
+	return save_aside(entry, true, [&](BFile* file) { return message.Flatten(file); });
+}
 
-	BEntry aside(&folder, aside_name().c_str());
-	status = write_message(message, aside);
-	if (status == B_OK)
-		status = aside.Rename(name, true);
-	if (status != B_OK)
-		aside.Remove();
-	return status;
+status_t
+save_bytes(std::string_view bytes, const BEntry& entry, bool mayReplace)
+{
+	return save_aside(entry, mayReplace, [&](BFile* file) -> status_t {
+		const ssize_t written = file->Write(bytes.data(), bytes.size());
+		if (written < 0)
+			return static_cast<status_t>(written);
+		return static_cast<size_t>(written) == bytes.size() ? B_OK : B_DEVICE_FULL;
+	});
 }
 
 std::string

@@ -27,6 +27,9 @@ enum entry_base : int32 {
 	with a dot, and renamed: nobody reads half of it, and after an error the file is as it was. */
 [[nodiscard]] status_t save_message(const BMessage& message, const BEntry& entry);
 
+/*!	The same with plain bytes. Without `mayReplace`, B_FILE_EXISTS when something of the name is there. */
+[[nodiscard]] status_t save_bytes(std::string_view bytes, const BEntry& entry, bool mayReplace);
+
 /*!	The path with `extension` (without its dot) in place of what follows the last dot of the file's name; a name
 	without a dot gets one. */
 std::string reext(std::string_view path, std::string_view extension);
