@@ -79,6 +79,7 @@ TTavoraDView::DetachedFromWindow()
 	ClearLyricsNodeWatching();
 	fRunner.reset();
 	fMenu.reset();
+	fQuestion.Close();
 	DestroyOffScreen();
 	TMERView::DetachedFromWindow();
 }
@@ -92,6 +93,12 @@ TTavoraDView::MessageReceived(BMessage* message)
 			break;
 		case B_NODE_MONITOR:
 			NodeMonitor();
+			break;
+		case B_SIMPLE_DATA:
+			FileDropped(message);
+			break;
+		case kCopyLyrics:
+			CopyLyricsRqtd(message);
 			break;
 		case B_GET_PROPERTY:
 			if (!PropertyRequested(message))

@@ -4,12 +4,15 @@
 #include <string>
 #include <vector>
 
+#include <Entry.h>
 #include <MessageRunner.h>
 
 #include "framework/TMERView.h"
+#include "framework/TQuestion.h"
 #include "host/Qubo_FrontEnd.h"
 #include "lyrics/TLineList.h"
 #include "lyrics/TTimeTable.h"
+#include "lyrics/dropped_file.h"
 
 class BBitmap;
 class TDisplayMenu;
@@ -38,6 +41,8 @@ public:
 	void DoubleClicked(BPoint where, uint32 buttons, uint32 modifiers) override;
 	void DragStarted(BPoint where, uint32 buttons, uint32 modifiers) override;
 	void Dragged(BPoint where) override;
+	//! Shows whether what is dragged over the view would be taken.
+	void MouseMoved(BPoint where, uint32 transit, const BMessage* dragMessage) override;
 
 	//! The look at the host, at each tick.
 	void PollingQuboInfoRqtd();
@@ -45,6 +50,8 @@ public:
 	std::string LyricsFName() const;
 	//! The current line's text without its tag; empty when no lyrics are shown.
 	std::string CurrentLineText() const;
+	//! To the clipboard; one that is empty leaves it alone.
+	void CopyCurrentLine() const;
 	//! Of the shown lines, the one in the middle.
 	int32 CurrentLine() const { return fCurrentLine; }
 
@@ -83,6 +90,19 @@ private:
 	void ClearLyricsNodeWatching();
 	void NodeMonitor();
 
+	// What is dropped
+	void ShowRefusal(bool refuses);
+	void EndDrag();
+	dropped_file KindOf(const BMessage* files);
+	void FileDropped(const BMessage* message);
+	void ImageDropped(const entry_ref& ref);
+	void SkinDropped(const entry_ref& ref);
+	void AppearanceDropped();
+	void LyricsDropped(const entry_ref& ref);
+	void CopyLyricsRqtd(const BMessage* message);
+	void AskToCopy(const BMessage& request, int32 question, const std::string& key,
+		const std::string& path, merion::TQuestion::Button goOn);
+
 	// The menu
 	void MakeMenu();
 	void UpdateMenu();
@@ -94,6 +114,7 @@ private:
 	void SetAppearance(bool toSelf, bool toOffScreen);
 	void SetAppearanceOfSpecifyView(BView* view, BFont* font);
 	void LoadBGImage();
+	bool ReadBGImage(const std::string& file);
 	void CreateOffScreen();
 	void DestroyOffScreen();
 	void PreRenderNextLine();
@@ -114,6 +135,11 @@ private:
 	std::unique_ptr<TDisplayMenu> fMenu;
 	bool fMovesWindow = false; // while dragging
 	BPoint fGrip;              // where the window is held then, from its left top corner
+	merion::TQuestion fQuestion;
+	entry_ref fDragged; // what is over the view
+	dropped_file fDraggedKind = dropped_file::kOther;
+	bool fHasDragged = false;
+	bool fShowsRefusal = false;
 	Qubo_FrontEnd fFrontEnd;
 	QuboSongEntry fSong; // all zero: none
 

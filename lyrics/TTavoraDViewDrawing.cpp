@@ -86,14 +86,21 @@ TTavoraDView::LoadBGImage()
 		fBGImage.reset();
 		return;
 	}
+	ReadBGImage(gPref->fBGImageFile.Get());
+}
+
+//! False when it is no image.
+bool
+TTavoraDView::ReadBGImage(const std::string& file)
+{
 	// Each step of a resize comes by here: an image that is as it was is not read again.
-	const std::string file = gPref->fBGImageFile.Get();
 	const int32 time = modification_time(file);
 	if (fBGImage != nullptr && file == fBGImageFile && time == fBGImageTime)
-		return;
+		return true;
 	fBGImage.reset(BTranslationUtils::GetBitmap(file.c_str()));
 	fBGImageFile = file;
 	fBGImageTime = time;
+	return fBGImage != nullptr;
 }
 
 bool

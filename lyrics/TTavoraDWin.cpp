@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <AppDefs.h>
+#include <InterfaceDefs.h>
 #include <Message.h>
 #include <Messenger.h>
 
@@ -23,10 +24,21 @@
 namespace {
 
 constexpr int32 kMenuKeyCode = 0x68; // of the keyboard's menu key
+constexpr int8 kControlC = 0x03;     // its byte, on keyboards with other letters too
 constexpr float kMinWidth = 80;
 constexpr float kMinHeight = 24;
 constexpr float kMaxSize = 16384;
 constexpr size_t kMaxOwnMoves = 64;
+
+//! Control+C, which many are used to; Command+C is the window's shortcut.
+bool
+is_copy_key(const BMessage* message)
+{
+	constexpr uint32 kOthers = B_COMMAND_KEY | B_OPTION_KEY;
+	const uint32 modifiers = message->GetInt32("modifiers", 0);
+	return (modifiers & B_CONTROL_KEY) && !(modifiers & kOthers)
+		&& (message->GetInt32("raw_char", 0) == 'c' || message->GetInt8("byte", 0) == kControlC);
+}
 
 // A settings file may hold any numbers, and some that are none.
 BRect
@@ -53,6 +65,7 @@ TTavoraDWin::TTavoraDWin(BRect frame, TCommMan* manager)
 	SetSizeLimits(kMinWidth, kMaxSize, kMinHeight, kMaxSize);
 	AddChild(fView);
 	TDisplayMenu::AddShortcuts(this);
+	AddShortcut('C', 0, new BMessage(B_COPY));
 	set_proper_feel(this);
 	if (gExitState->Version().empty() || !merion::is_on_screen(Frame(), merion::screen_frames()))
 		OpenBesideHost();
@@ -90,6 +103,15 @@ TTavoraDWin::MessageReceived(BMessage* message)
 		case B_UNMAPPED_KEY_DOWN:
 			if (message->GetInt32("key", 0) == kMenuKeyCode)
 				fView->ShowMenu();
+			break;
+		case B_KEY_DOWN:
+			if (!is_copy_key(message)) {
+				TMERWin::MessageReceived(message);
+				break;
+			}
+			[[fallthrough]];
+		case B_COPY:
+			fView->CopyCurrentLine();
 			break;
 		case kPrefStayOnTopChanged:
 			set_proper_feel(this);

@@ -22,6 +22,11 @@ constexpr uint32 kAcceleratorPressed
 constexpr const char* kItemNumber = "Number"; // int32
 constexpr int32 kHostWidth = 0; // instead of a number of lines: as wide as the host's window
 
+/*!	A file that was dropped on the view is to be copied as a song's lyrics. View, and the box with its question -> view.
+	"refs" (the file), "Target" (string: the path), "Asked" (int32: what was asked before); from the box "which" (int32: the
+	button, 0 to go on). */
+constexpr uint32 kCopyLyrics = 'cply';
+
 /*!	What others may watch the view for (BHandler::StartWatching()): another line has become the current one, or its text
 	has changed. The notice, a B_OBSERVER_NOTICE_CHANGE, holds "CurrentLine" (string, UTF-8, without its tag; empty when no
 	lyrics are shown) and "Index" (int32, from 0). */
