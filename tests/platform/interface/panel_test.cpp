@@ -103,9 +103,13 @@ protected:
 	~PanelTest() override
 	{
 		// No hook of the derived class may run any more while it is destroyed.
-		if (fPanel && fPanel->Window()->Thread() >= 0) {
+		if (fWindow.LockTarget()) {
+			BWindow* window = fPanel->Window();
+			const bool isRunning = window->Thread() >= 0;
+			window->Unlock();
 			fPanel->Hide();
-			settle(fPanel->Window());
+			if (isRunning)
+				settle(window);
 		}
 		fPanel.reset();
 		fTarget->Lock();
@@ -119,6 +123,7 @@ protected:
 		get_ref_for_path(fFolder.Path().c_str(), &folder);
 		BMessenger target(fTarget);
 		fPanel = std::make_unique<Panel>(mode, &target, &folder, flavors, several, message, filter);
+		fWindow = BMessenger(fPanel->Window());
 	}
 	template<typename Function> auto OnDialog(Function function)
 	{
@@ -198,6 +203,7 @@ protected:
 	TempFolder fFolder;
 	Target* fTarget;
 	std::unique_ptr<Panel> fPanel;
+	BMessenger fWindow; // the panel's
 };
 
 class RefusingWindow : public BWindow {
