@@ -111,8 +111,8 @@ public:
 	void MessageReceived(BMessage* message) override
 	{
 		if (message->what == 'ctrl') {
-			fInvoked++;
 			fValue = message->GetInt32("be:value", -1);
+			fInvoked++;
 		} else
 			BWindow::MessageReceived(message);
 	}
