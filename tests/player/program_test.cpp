@@ -261,7 +261,8 @@ TEST_F(Program, EndsWellWheneverItIsAskedTo)
 		child.Kill(SIGTERM);
 		const int code = child.WaitForExit();
 		// before main() has set anything up a signal still ends it at once
-		EXPECT_TRUE(code == 0 || (code == 128 + SIGTERM && child.output.empty())) << code;
+		EXPECT_TRUE(code == 0 || (code == 128 + SIGTERM && child.output.empty())) << code << "\n"
+																				  << child.errors;
 		times.push_back(Child::Now() - before);
 		std::error_code none;
 		for (auto& entry : std::filesystem::recursive_directory_iterator(Path("config"), none)) {

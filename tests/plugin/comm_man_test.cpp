@@ -102,16 +102,19 @@ public:
 		TTavoraDCommMan::MessageReceived(message);
 	}
 
+	//! `found`: the last one.
 	bool HasReceived(uint32 what, BMessage* found = nullptr)
 	{
 		std::lock_guard locker(fReceivedLock);
+		bool hasReceived = false;
 		for (const BMessage& message : fReceived) {
-			if (message.what == what && found != nullptr)
+			if (message.what != what)
+				continue;
+			hasReceived = true;
+			if (found != nullptr)
 				*found = message;
-			if (message.what == what)
-				return true;
 		}
-		return false;
+		return hasReceived;
 	}
 
 private:
@@ -296,9 +299,10 @@ TEST_F(CommManTest, PlacesWindowsBesideTheMainOne)
 	manager->PostMessage('Somr');
 	manager->PostMessage('_ABR');
 	ASSERT_TRUE(wait_until([&] {
-		return manager->HasReceived('_ABR') && manager->HasReceived('Soar', &request)
+		return manager->HasReceived('Soar', &request) && request.GetBool("BesideDlg", false)
 			&& count_windows() == 2;
 	}));
+	EXPECT_TRUE(request.HasRect("WinFrame"));
 	manager->PostMessage('Scar');
 	EXPECT_TRUE(wait_until([] { return count_windows() == 1; })) << "about stays open";
 	manager->PostMessage('pscc');
