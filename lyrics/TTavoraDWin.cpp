@@ -122,9 +122,6 @@ TTavoraDWin::MessageReceived(BMessage* message)
 		case kPrefDoubleBufferingChanged:
 			fView->PrefDoubleBufferingChanged();
 			break;
-		case kLanguageChanged:
-			LanguageChanged();
-			break;
 		case kIAPChanged:
 			fView->IAPChanged(message);
 			break;

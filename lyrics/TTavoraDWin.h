@@ -27,6 +27,7 @@ public:
 	//! False, and the window hidden, when the user asks; true when the application does.
 	bool QuitRequested() override;
 	void Appear() override;
+	void LanguageChanged() override;
 
 	//! Where the window and its view send their requests; it outlives them.
 	TCommMan* Manager() const { return fManager; }
@@ -40,7 +41,6 @@ private:
 	void PopMItemSizeClicked(int32 lines);
 	void PopMItemHideClicked();
 
-	void LanguageChanged();
 	void OpenBesideHost();
 	void WatchHostWindow();
 	void LeaveHostWindow();

@@ -24,7 +24,7 @@ take_segment(LoadedImage& image, const ElfW(Phdr) & header)
 
 /*!	The loader writes the names while another thread loads a library, and lists them, under locks of its own: ThreadSanitizer does
 	not see these, so it must not look at the reading. */
-[[gnu::no_sanitize("thread")]] static std::string
+__attribute__((no_sanitize("thread"))) static std::string
 name_of(const dl_phdr_info* info)
 {
 	std::string name;
