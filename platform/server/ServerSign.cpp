@@ -6,7 +6,7 @@
 namespace BPrivate {
 
 struct Sign {
-	const char* icon; // of the icon naming specification
+	const char* icon; // of the desktops' icon naming standard
 	QRgb color;
 };
 
