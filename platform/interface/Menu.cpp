@@ -302,6 +302,12 @@ BMenu::Superitem() const
 	return fSuperitem;
 }
 
+bool
+BMenu::AddDynamicItem(add_state)
+{
+	return false;
+}
+
 void
 BMenu::ItemMarked(BMenuItem* marked)
 {

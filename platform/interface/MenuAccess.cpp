@@ -52,6 +52,17 @@ combination_of(const BMenuItem& item)
 	return QKeyCombination(held, key_of(shortcut));
 }
 
+void
+MenuAccess::AddDynamicItems(BMenu& menu)
+{
+	for (add_state state = B_INITIAL_ADD; menu.AddDynamicItem(state);)
+		state = B_PROCESSING;
+	for (int32 i = 0; i < menu.CountItems(); i++) {
+		if (BMenu* submenu = menu.SubmenuAt(i))
+			AddDynamicItems(*submenu);
+	}
+}
+
 MenuModel
 MenuAccess::ModelOf(const BMenu& menu)
 {

@@ -9,6 +9,8 @@ namespace BPrivate {
 //! What the kit does with menus beyond their public functions. Thread: the menu's.
 class MenuAccess {
 public:
+	//! The menu and those below it are about to be shown.
+	static void AddDynamicItems(BMenu& menu);
 	static MenuModel ModelOf(const BMenu& menu);
 	//! An item of the menu or of one below, NULL if there is none any more, or it is not enabled.
 	static BMenuItem* Find(const BMenu& menu, int64 id);

@@ -68,10 +68,10 @@ BMenuBar::AttachedToWindow()
 void
 BMenuBar::MessageReceived(BMessage* message)
 {
-	if (message->what == kShowChanges)
-		ShowChanges();
-	else
+	if (message->what != kShowChanges)
 		BMenu::MessageReceived(message);
+	else if (fChangesPosted) // else somebody could not wait for it
+		ShowChanges();
 }
 
 void

@@ -34,11 +34,21 @@ void
 _BMCMenuBar_::Init()
 {
 	auto connect = [](ServerMenuField* field, ProxySink* sink) { field->SetSink(sink); };
-	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
-		WidgetProxy::MakerOf<ServerMenuField>(connect), [this](BMessage* event) {
-			if (BMenuItem* item = MenuAccess::Find(*this, event->GetInt64("item", 0)))
-				MenuAccess::Invoke(*item);
-		}));
+	ViewData::Of(this).SetProxy(
+		std::make_unique<WidgetProxy>(WidgetProxy::MakerOf<ServerMenuField>(connect),
+			[this](BMessage* event) { HandleEvent(*event); }));
+}
+
+void
+_BMCMenuBar_::HandleEvent(const BMessage& event)
+{
+	if (event.GetBool("opens", false)) {
+		MenuAccess::AddDynamicItems(*this);
+		ShowChanges();
+		ViewData::Of(this).proxy->Adjust<ServerMenuField>(
+			[](ServerMenuField& field) { field.Open(); });
+	} else if (BMenuItem* item = MenuAccess::Find(*this, event.GetInt64("item", 0)))
+		MenuAccess::Invoke(*item);
 }
 
 void

@@ -15,5 +15,6 @@ public:
 
 private:
 	void Init();
+	void HandleEvent(const BMessage& event);
 	void ShowModel(const BPrivate::MenuModel& model) override;
 };

@@ -143,6 +143,7 @@ BPopUpMenu::Open(BPoint where, bool deliver, bool openAnyway, BRect clickToOpen,
 	// somebody waits for it
 	if (fSession && !fSession->IsAsynchronous())
 		return NULL;
+	MenuAccess::AddDynamicItems(*this);
 	fSession = std::make_unique<PopUpSession>(*this, deliver);
 	QRect clickArea = clickToOpen.IsValid() ? to_qrect(clickToOpen) : QRect();
 	const PopUpSession::Place place{QPoint(where.x, where.y), !openAnyway, clickArea};

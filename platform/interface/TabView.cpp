@@ -136,10 +136,7 @@ BTabView::~BTabView()
 void
 BTabView::Init()
 {
-	auto connect = [spoken = QString::fromUtf8(Name())](ServerTabs* tabs, ProxySink* sink) {
-		tabs->setAccessibleName(spoken);
-		tabs->SetSink(sink);
-	};
+	auto connect = [](ServerTabs* tabs, ProxySink* sink) { tabs->SetSink(sink); };
 	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
 		WidgetProxy::MakerOf<ServerTabs>(connect), [this](BMessage* event) {
 			QScopedValueRollback guard(fByUser, true);

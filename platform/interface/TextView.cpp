@@ -36,15 +36,13 @@ BTextView::BTextView(BRect frame, const char* name, uint32 resizingMode, uint32 
 	Init();
 }
 
+//!	Its text is all it says: a name would be the program's own, not one for the user.
 template<typename Widget>
 static WidgetProxy::Maker
-maker_of(const char* name)
+make_text()
 {
 	return WidgetProxy::MakerOf<Widget>(
-		[spoken = QString::fromUtf8(name)](Widget* widget, ProxySink* sink) {
-			widget->SetSink(sink);
-			widget->setAccessibleName(spoken);
-		});
+		[](Widget* widget, ProxySink* sink) { widget->SetSink(sink); });
 }
 
 void
@@ -57,7 +55,7 @@ BTextView::Init()
 	fSelectable = true;
 	fWrap = true;
 	ViewData::Of(this).SetProxy(std::make_unique<WidgetProxy>(
-		fIsLine ? maker_of<ServerTextLine>(Name()) : maker_of<ServerTextArea>(Name()),
+		fIsLine ? make_text<ServerTextLine>() : make_text<ServerTextArea>(),
 		[this](BMessage* event) { UserActed(event); }));
 }
 

@@ -161,7 +161,8 @@ WindowData::Update(bool evenHidden)
 	if (!evenHidden && (hideLevel > 0 || minimized))
 		return;
 	PrepareSurface();
-	if (surface.IsNull())
+	// most batches change nothing
+	if (surface.IsNull() || (dirty.isEmpty() && !surface.IsTouched()))
 		return;
 	QRegion region = std::exchange(dirty, QRegion());
 	inUpdate = true;
@@ -173,6 +174,18 @@ WindowData::Update(bool evenHidden)
 		ScheduleUpdate();
 }
 
+/*!	Of what a window that is made larger has for a moment beyond its picture. A view without a colour
+	paints all of itself: it goes on as its last point does. */
+QColor
+WindowData::ColorBeyond(const QImage& picture) const
+{
+	const BView* view = root->ChildAt(0) != NULL ? root->ChildAt(0) : root;
+	rgb_color color = view->ViewColor();
+	if (color == B_TRANSPARENT_COLOR)
+		return picture.pixelColor(picture.width() - 1, picture.height() - 1);
+	return QColor(color.red, color.green, color.blue);
+}
+
 void
 WindowData::Commit()
 {
@@ -182,10 +195,8 @@ WindowData::Commit()
 	}
 	if (!surface.IsTouched() || updatesDisabled > 0)
 		return;
-	rgb_color color = root->ChildAt(0) != NULL ? root->ChildAt(0)->ViewColor() : root->ViewColor();
-	if (color == B_TRANSPARENT_COLOR)
-		color = ui_color(B_PANEL_BACKGROUND_COLOR);
-	Frame picture{surface.TakeFrame(), QColor(color.red, color.green, color.blue)};
+	Frame picture{surface.TakeFrame(), QColor()};
+	picture.rest = ColorBeyond(picture.image);
 	bool post = mailbox->Put(std::move(picture));
 	surface.SetSpare(mailbox->TakeSpare());
 	if (!post)

@@ -107,6 +107,7 @@ struct WindowData {
 	//! Gives the server the picture, if anything was drawn since the last time.
 	void Commit();
 	bool CanDraw() const;
+	QColor ColorBeyond(const QImage& picture) const;
 	void DeliverFrameEvents();
 	BRect Limited(BRect newFrame) const;
 

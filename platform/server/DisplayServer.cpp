@@ -8,6 +8,8 @@
 
 #include <Application.h>
 #include <QApplication>
+#include <QFile>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QSocketNotifier>
 #include <QTranslator>
@@ -47,6 +49,15 @@ translate_toolkit(QApplication* application)
 		QCoreApplication::installTranslator(texts);
 }
 
+//! The windows belong to the desktop entry with the program's name, and have its icon, where these are installed.
+static void
+show_icon()
+{
+	const QString program = QFile::decodeName(program_invocation_short_name);
+	QApplication::setDesktopFileName(program);
+	QApplication::setWindowIcon(QIcon::fromTheme(program));
+}
+
 static QApplication*
 make_application()
 {
@@ -62,6 +73,7 @@ make_application()
 	// the toolkit takes the user's locale over; numbers in files have a point in every country
 	setlocale(LC_NUMERIC, "C");
 	QApplication::setQuitOnLastWindowClosed(false);
+	show_icon();
 	translate_toolkit(application);
 	return application;
 }

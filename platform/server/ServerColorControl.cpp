@@ -105,6 +105,8 @@ ServerColorControl::ServerColorControl()
 	grid->setSpacing(kSpace);
 	for (int i = 0; i < 3; i++)
 		AddPart(i);
+	// one whole in the focus order: before the proxy, which would get the same policy
+	setFocusPolicy(Qt::TabFocus);
 	setFocusProxy(fParts[0].ramp);
 	SetColor(0);
 }

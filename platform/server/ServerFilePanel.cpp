@@ -48,6 +48,8 @@ ServerFilePanel::ServerFilePanel(const FilePanelTraits& traits) : fTraits(traits
 	});
 	fDefaultText[0] = labelText(Accept);
 	fDefaultText[1] = labelText(Reject);
+	fAcceptText = fDefaultText[0];
+	connect(NameEdit(), &QLineEdit::textChanged, this, [this] { KeepButtonText(); });
 	WatchSelection();
 }
 
@@ -55,8 +57,18 @@ ServerFilePanel::ServerFilePanel(const FilePanelTraits& traits) : fTraits(traits
 void
 ServerFilePanel::WatchSelection()
 {
-	connect(Selection(), &QItemSelectionModel::selectionChanged, this,
-		[this] { SendPaths(kSelected, SelectedPaths()); });
+	connect(Selection(), &QItemSelectionModel::selectionChanged, this, [this] {
+		KeepButtonText();
+		SendPaths(kSelected, SelectedPaths());
+	});
+}
+
+//! The toolkit calls the button of a folder "Open", because it would go into it.
+void
+ServerFilePanel::KeepButtonText()
+{
+	if (fTraits.folders && !fTraits.save)
+		setLabelText(Accept, fAcceptText);
 }
 
 void
@@ -85,7 +97,10 @@ ServerFilePanel::SetSaveText(const QString& text)
 void
 ServerFilePanel::SetButtonText(DialogLabel button, const QString& text)
 {
-	setLabelText(button, text.isEmpty() ? fDefaultText[button == Accept ? 0 : 1] : text);
+	const QString& shown = text.isEmpty() ? fDefaultText[button == Accept ? 0 : 1] : text;
+	setLabelText(button, shown);
+	if (button == Accept)
+		fAcceptText = shown;
 }
 
 void

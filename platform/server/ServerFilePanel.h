@@ -62,6 +62,7 @@ private:
 	QItemSelectionModel* Selection() const;
 	void Enter(const QString& folder);
 	void WatchSelection();
+	void KeepButtonText();
 	bool GoTyped(const QString& text);
 	QStringList ChosenPaths(const QString& text) const;
 	void Open(QStringList paths);
@@ -78,6 +79,7 @@ private:
 	RefFilterModel* fFilter;
 	QPointer<QMessageBox> fBox; // what the user has to answer first
 	QString fDefaultText[2];    // of the buttons: accept, cancel
+	QString fAcceptText;
 };
 
 } // namespace BPrivate

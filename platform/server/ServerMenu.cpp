@@ -44,14 +44,14 @@ radio_group(QWidget& menu)
 }
 
 static void
-show_line(QWidget& menu, QAction& action, const MenuModel::Line& line, bool isRadio)
+show_line(QAction& action, const MenuModel::Line& line, QActionGroup* group)
 {
 	if (action.text() != line.label)
 		action.setText(line.label);
 	action.setEnabled(line.isEnabled);
 	bool hasKey = line.key.key() != Qt::Key_unknown;
 	action.setShortcut(hasKey ? QKeySequence(line.key) : QKeySequence());
-	action.setActionGroup(isRadio ? radio_group(menu) : nullptr);
+	action.setActionGroup(line.submenu ? nullptr : group);
 	action.setCheckable(line.canBeMarked);
 	action.setProperty(kMarked, line.isMarked);
 	action.setChecked(line.isMarked);
@@ -65,6 +65,7 @@ show_lines(QWidget& menu, const MenuModel& model)
 	QHash<int64, QAction*> old;
 	for (QAction* action : menu.actions())
 		old.insert(id_of(*action), action);
+	QActionGroup* group = model.isRadio ? radio_group(menu) : nullptr;
 	for (qsizetype i = 0; const MenuModel::Line& line : model.lines) {
 		QAction* action = old.value(line.id);
 		bool fits = action != nullptr && (action->menu() != nullptr) == (line.submenu != nullptr);
@@ -72,7 +73,7 @@ show_lines(QWidget& menu, const MenuModel& model)
 		QAction* there = menu.actions().value(i++);
 		if (there != action)
 			menu.insertAction(there, action);
-		show_line(menu, *action, line, model.isRadio && !line.submenu);
+		show_line(*action, line, group);
 	}
 	for (QAction* action : old)
 		delete_action(action);

@@ -25,6 +25,7 @@ ServerMenuField::ServerMenuField() : fMenu(this)
 void
 ServerMenuField::SetSink(ProxySink* sink)
 {
+	fSink = sink;
 	QObject::connect(&fMenu, &QMenu::triggered, sink, [sink](QAction* action) {
 		BMessage event;
 		event.AddInt64("item", chosen_item(*action));
@@ -70,25 +71,39 @@ ServerMenuField::minimumSizeHint() const
 	return SizeFor(fontMetrics().horizontalAdvance(QLatin1Char('0')) * kNarrowDigits);
 }
 
-//! Below the field, so that the click that opens it chooses nothing.
 void
 ServerMenuField::showPopup()
 {
-	if (fMenu.isEmpty())
+	if (fSink == nullptr)
+		return;
+	fIsAwaited = true;
+	BMessage event;
+	event.AddBool("opens", true);
+	fSink->Send(std::move(event));
+}
+
+//! Below the field, so that the click that opens it chooses nothing.
+void
+ServerMenuField::Open()
+{
+	if (!std::exchange(fIsAwaited, false) || !isVisible() || !isEnabled() || fMenu.isEmpty())
 		return;
 	fMenu.setMinimumWidth(width());
-	fMenu.popup(mapToGlobal(QPoint(0, height())));
-	const QList<QAction*> actions = fMenu.actions();
-	for (QAction* action : actions) {
-		if (action->isChecked())
-			fMenu.setActiveAction(action);
-	}
+	fMenu.Open(mapToGlobal(QPoint(0, height())));
 }
 
 void
 ServerMenuField::hidePopup()
 {
+	fIsAwaited = false;
 	fMenu.hide();
+}
+
+void
+ServerMenuField::focusOutEvent(QFocusEvent* event)
+{
+	fIsAwaited = false;
+	QComboBox::focusOutEvent(event);
 }
 
 void

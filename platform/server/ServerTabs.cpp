@@ -12,7 +12,7 @@ namespace BPrivate {
 ServerTabs::ServerTabs() : fBar(this)
 {
 	setMouseTracking(true);
-	setFocusPolicy(Qt::NoFocus);
+	setFocusPolicy(Qt::TabFocus); // its place in the focus order; the bar has the focus
 	setFocusProxy(&fBar);
 	connect(&fBar, &QTabBar::currentChanged, this, [this](int index) { UserChose(index); });
 }

@@ -128,6 +128,7 @@ WidgetProxy::Place(QRect frame, const QRegion& visible)
 	});
 }
 
+//! The toolkit does not order what has no focus, nor anything behind that.
 void
 WidgetProxy::SetFocusOrder(const std::vector<int64>& ids)
 {
@@ -135,7 +136,8 @@ WidgetProxy::SetFocusOrder(const std::vector<int64>& ids)
 		QWidget* before = nullptr;
 		for (int64 id : ids) {
 			QWidget* widget = Registry::Default().Find(id);
-			if (widget == nullptr || widget->parentWidget() == nullptr)
+			if (widget == nullptr || widget->parentWidget() == nullptr
+				|| widget->focusPolicy() == Qt::NoFocus)
 				continue;
 			if (before != nullptr && before->window() == widget->window())
 				QWidget::setTabOrder(before, widget);

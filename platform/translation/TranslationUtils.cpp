@@ -9,13 +9,16 @@ using namespace BPrivate;
 
 static constexpr int kMaxSide = 8192;
 static constexpr int kMaxClaimed = 32768;
+// Scaled down while it is read it takes little memory, but much time.
+static constexpr qint64 kMaxPixels = 128 * 1024 * 1024;
 // for one picture; the largest allowed takes 256 MB
 static constexpr int kMaxMegabytes = 512;
 
 BBitmap*
 BTranslationUtils::GetBitmap(const char* path)
 {
-	if (path == NULL)
+	// a pipe would be waited for
+	if (path == NULL || !BEntry(path, true).IsFile())
 		return NULL;
 	QImageReader reader(QString::fromUtf8(path));
 	// a file may be named for another format than it has
@@ -23,7 +26,8 @@ BTranslationUtils::GetBitmap(const char* path)
 	reader.setAutoTransform(true);
 	QImageReader::setAllocationLimit(kMaxMegabytes);
 	const QSize size = reader.size();
-	if (size.width() > kMaxClaimed || size.height() > kMaxClaimed)
+	if (size.width() > kMaxClaimed || size.height() > kMaxClaimed
+		|| qint64(size.width()) * size.height() > kMaxPixels)
 		return NULL;
 	if (size.isValid() && (size.width() > kMaxSide || size.height() > kMaxSide))
 		reader.setScaledSize(

@@ -14,6 +14,9 @@ class MenuAccess;
 
 enum menu_layout { B_ITEMS_IN_ROW = 0, B_ITEMS_IN_COLUMN };
 
+// Of BMenu::AddDynamicItem().
+enum add_state { B_INITIAL_ADD, B_PROCESSING, B_ABORT };
+
 /*!	A list of items, shown as a menu of the desktop's own: by a menu bar, as a sub-menu of another menu, or by BPopUpMenu::Go().
 	Thread: with the window's lock, while it is part of a menu bar in a window; else one thread at a time.
 	Owner: a menu owns its items, and an item its sub-menu. A menu may be deleted while it is shown: it is then closed, and nothing is invoked.
@@ -85,6 +88,11 @@ public:
 	BMenuItem* Superitem() const;
 
 protected:
+	/*!	Hook: a menu field or a pop-up menu opens with this menu in it, which may add and remove items now. Called with
+		B_INITIAL_ADD, and for as long as it answers true with B_PROCESSING; never with B_ABORT, because the user sees the menu
+		when all of it is there. Sub-menus are asked when the outermost one opens. Not called in a menu bar. */
+	virtual bool AddDynamicItem(add_state state);
+
 	BMenu(BRect frame, const char* name, uint32 resizingMode, uint32 flags, menu_layout layout);
 
 private:
