@@ -44,3 +44,18 @@ function(tavora_add_resources target)
 			--set-section-flags .beresources=noload,readonly $<TARGET_FILE:${target}>
 		VERBATIM)
 endfunction()
+
+# tavora_make_layout(NAME LAYOUT ARCHIVE)
+# Makes ARCHIVE, a flattened archived view, of its description LAYOUT whenever that changes, as target NAME. Needs no screen.
+function(tavora_make_layout name layout archive)
+	get_filename_component(layout ${layout} ABSOLUTE)
+	# what it has to say it says itself
+	set(environment QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES=default.warning=false)
+	if(TAVORA_SANITIZE)
+		list(APPEND environment LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0)
+	endif()
+	add_custom_command(OUTPUT ${archive}
+		COMMAND ${CMAKE_COMMAND} -E env ${environment} $<TARGET_FILE:tavora-layout> ${layout} ${archive}
+		DEPENDS tavora-layout ${layout} VERBATIM)
+	add_custom_target(${name} DEPENDS ${archive})
+endfunction()
