@@ -5,6 +5,7 @@
 #include <Box.h>
 #include <RadioButton.h>
 
+#include "framework/TInterAppPrefs.h"
 #include "framework/TLLT.h"
 #include "framework/accelerator.h"
 
@@ -67,6 +68,14 @@ TIAPItemAccKeyFormat::ControlValue(BView* control) const
 			return static_cast<int32>(i);
 	}
 	return Value();
+}
+
+int32
+TIAPItemAccKeyFormat::Format(const TInterAppPrefs* prefs)
+{
+	int32 format;
+	const bool isKnown = prefs != nullptr && prefs->GetValue(kName, &format) == B_OK;
+	return isKnown ? format : static_cast<int32>(kAccKeyHidden);
 }
 
 } // namespace merion

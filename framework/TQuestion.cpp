@@ -7,6 +7,7 @@
 #include <Looper.h>
 #include <Message.h>
 
+#include "framework/TIAPItemAccKeyFormat.h"
 #include "framework/TInterAppPrefs.h"
 #include "framework/TLLT.h"
 #include "framework/accelerator.h"
@@ -22,11 +23,9 @@ constexpr bigtime_t kAnswerTimeout
 std::string
 label_of(const TQuestion::Button& button)
 {
-	int32 format;
-	if (gIAP->GetValue("AccKeyFormat", &format) != B_OK)
-		format = kAccKeyHidden;
 	const std::string_view key(&button.accelerator, button.accelerator != 0 ? 1 : 0);
-	return merge_accelerator_key(gLLT->Text(button.labelKey), key, format);
+	return merge_accelerator_key(
+		gLLT->Text(button.labelKey), key, TIAPItemAccKeyFormat::Format(gIAP));
 }
 
 } // namespace

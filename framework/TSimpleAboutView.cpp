@@ -6,7 +6,7 @@
 #include <TabView.h>
 
 #include "framework/TAppInfoView.h"
-#include "framework/TInterAppPrefs.h"
+#include "framework/TIAPItemAccKeyFormat.h"
 #include "framework/TLLT.h"
 #include "framework/TLanguageInfoView.h"
 #include "framework/accelerator.h"
@@ -21,7 +21,6 @@ constexpr float kPageHeight = 250;
 constexpr float kTabRoom = 40; // above and around the pages
 constexpr float kButtonWidth = 90;
 constexpr float kButtonHeight = 28;
-constexpr const char* kAccKeyFormat = "AccKeyFormat";
 
 BRect
 view_frame()
@@ -78,8 +77,7 @@ TSimpleAboutView::SetLabels()
 void
 TSimpleAboutView::SetIAPRef(const TInterAppPrefs* prefs)
 {
-	if (prefs == nullptr || prefs->GetValue(kAccKeyFormat, &fAccKeyFormat) != B_OK)
-		fAccKeyFormat = kAccKeyHidden;
+	fAccKeyFormat = TIAPItemAccKeyFormat::Format(prefs);
 	LanguageChanged();
 }
 

@@ -10,10 +10,13 @@
 
 #include <Alert.h>
 #include <Button.h>
+#include <FilePanel.h>
 #include <InterfaceDefs.h>
 #include <Message.h>
 #include <Messenger.h>
+#include <OS.h>
 #include <Roster.h>
+#include <Window.h>
 
 #include "framework/TLLT.h"
 
@@ -142,6 +145,16 @@ show_url(const char* url, const char* title, const char* failureText)
 		show_alert(title, text.c_str(), gLLT->Text("Button_OK"));
 	}
 	return status;
+}
+
+void
+set_file_panel_priority(BFilePanel* panel, int32 priority)
+{
+	BWindow* window = panel->Window();
+	if (window != nullptr && window->Lock()) {
+		set_thread_priority(window->Thread(), priority);
+		window->Unlock();
+	}
 }
 
 } // namespace merion

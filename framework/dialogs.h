@@ -3,6 +3,7 @@
 #include <SupportDefs.h>
 
 class BAlert;
+class BFilePanel;
 
 //! Boxes with a message for the user, and web pages.
 namespace merion {
@@ -28,5 +29,8 @@ void allow_alerts();
 /*!	Opens a web page with the desktop's browser. When that fails, a box with `title` says `failureText` and the address, and the answer is the
 	error. Thread: as show_alert(). */
 status_t show_url(const char* url, const char* title, const char* failureText);
+
+/*!	Of the thread of the panel's window: B_NORMAL_PRIORITY and the like. Nothing when the window is gone. Thread: any. */
+void set_file_panel_priority(BFilePanel* panel, int32 priority);
 
 } // namespace merion

@@ -106,6 +106,13 @@ save_bytes(std::string_view bytes, const BEntry& entry, bool mayReplace)
 }
 
 std::string
+path_of(const entry_ref& ref)
+{
+	const BPath path(&ref);
+	return path.InitCheck() == B_OK ? path.Path() : ref.name;
+}
+
+std::string
 reext(std::string_view path, std::string_view extension)
 {
 	const size_t dot = path.rfind('.');

@@ -7,6 +7,7 @@
 
 class BEntry;
 class BMessage;
+struct entry_ref;
 
 namespace merion {
 
@@ -29,6 +30,9 @@ enum entry_base : int32 {
 
 /*!	The same with plain bytes. Without `mayReplace`, B_FILE_EXISTS when something of the name is there. */
 [[nodiscard]] status_t save_bytes(std::string_view bytes, const BEntry& entry, bool mayReplace);
+
+//! The path of a ref; its name alone where no path can be had.
+std::string path_of(const entry_ref& ref);
 
 /*!	The path with `extension` (without its dot) in place of what follows the last dot of the file's name; a name
 	without a dot gets one. */

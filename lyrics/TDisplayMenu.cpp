@@ -6,6 +6,7 @@
 #include <Messenger.h>
 #include <Window.h>
 
+#include "framework/TIAPItemAccKeyFormat.h"
 #include "framework/TInterAppPrefs.h"
 #include "framework/TLLT.h"
 #include "framework/accelerator.h"
@@ -59,18 +60,11 @@ add_number_item(BMenu* menu, const char* key, uint32 what, int32 number, const B
 	menu->AddItem(item);
 }
 
-int32
-accelerator_format()
-{
-	int32 format;
-	return gIAP->GetValue("AccKeyFormat", &format) == B_OK ? format : merion::kAccKeyHidden;
-}
-
 } // namespace
 
 TDisplayMenu::TDisplayMenu(const BMessenger& window, const BMessenger& manager)
 	: BPopUpMenu("Display", false, false),
-	  fFormat(accelerator_format())
+	  fFormat(merion::TIAPItemAccKeyFormat::Format(gIAP))
 {
 	fPopMItemOpen = AddMenuItem(manager, "PopMItem_Open", kOpenLyrics, kOpenKey);
 	AddSeparatorItem();

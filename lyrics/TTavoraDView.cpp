@@ -166,9 +166,9 @@ TTavoraDView::LoadLyrics()
 	fModificationTime = LyricsModificationTime();
 	entry_ref ref;
 	int32 crType;
-	int32 encoding;
+	fIsEncodingGuessed = gPref->fReadEncoding == kEncodingAuto;
 	if (get_ref_for_path(LyricsFName().c_str(), &ref) != B_OK
-		|| !load_lyrics(ref, &fLyrics, &crType, &encoding))
+		|| !load_lyrics(ref, &fLyrics, &crType, &fEncoding))
 		return false;
 
 	fDispLines.reserve(fLyrics.CountLines());

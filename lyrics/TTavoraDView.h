@@ -20,7 +20,7 @@ class TDisplayMenu;
 /*!	Shows the playing song's lyrics, with the line that belongs to the play time in the middle.
 	It asks the host for the play time at each interval of the preferences, loads the lyrics of a new song, and again when
 	their file changes on the disk. Text before a line's first "]" is not shown; each line has one time tag at most.
-	Others can ask for the current line and watch it (lyrics_codes.h).
+	Others can ask for the current line and watch it, and for where the lyrics come from (lyrics_codes.h).
 	Thread: its window's; with lyrics on the screen, a look that finds nothing new costs no file access.
 	Times: ms from the start of the song. */
 class TTavoraDView : public merion::TMERView {
@@ -109,6 +109,7 @@ private:
 
 	// Scripting
 	bool PropertyRequested(BMessage* message);
+	BMessage LyricsSource() const;
 
 	// Drawing
 	void SetAppearance(bool toSelf, bool toOffScreen);
@@ -129,7 +130,9 @@ private:
 	TTimeTable fTimeTable;
 	TLineList fLyrics; // the text that the shown lines lie in
 	std::vector<std::string_view> fDispLines;
-	bool fShowsLyrics = false;   // not the information about the plug-in
+	bool fShowsLyrics = false; // not the information about the plug-in
+	int32 fEncoding = 0;       // of them
+	bool fIsEncodingGuessed = false;
 	int32 fModificationTime = 0; // s since 1970, 0: there is no lyrics file
 	std::unique_ptr<BMessageRunner> fRunner;
 	std::unique_ptr<TDisplayMenu> fMenu;
@@ -146,8 +149,9 @@ private:
 	float fFontHeight = 0; // ascent and descent, pixels
 	float fLinePitch = 1;  // from one line to the next
 	std::unique_ptr<BBitmap> fBGImage;
-	std::string fBGImageFile; // that fBGImage was loaded from
+	std::string fBGImageFile; // that fBGImage was loaded from, or could not be
 	int32 fBGImageTime = 0;   // modification time of it then
+	off_t fBGImageSize = 0;   // bytes of it then
 	std::unique_ptr<BBitmap> fOffScreen;
 	BView* fOSView = nullptr;    // fOffScreen's
 	int32 fPreRenderedLine = -1; // whose picture fOffScreen holds; -1: none

@@ -40,10 +40,17 @@ usable_font_size(float size)
 }
 
 int32
-modification_time(const std::string& path)
+modification_time(const BEntry& entry)
 {
 	time_t time;
-	return BEntry(path.c_str(), true).GetModificationTime(&time) == B_OK ? time : 0;
+	return entry.GetModificationTime(&time) == B_OK ? time : 0;
+}
+
+off_t
+size_of(const BEntry& entry)
+{
+	off_t size;
+	return entry.GetSize(&size) == B_OK ? size : 0;
 }
 
 } // namespace
@@ -84,6 +91,7 @@ TTavoraDView::LoadBGImage()
 {
 	if (!gPref->fUseBGImage) {
 		fBGImage.reset();
+		fBGImageFile.clear();
 		return;
 	}
 	ReadBGImage(gPref->fBGImageFile.Get());
@@ -93,13 +101,16 @@ TTavoraDView::LoadBGImage()
 bool
 TTavoraDView::ReadBGImage(const std::string& file)
 {
-	// Each step of a resize comes by here: an image that is as it was is not read again.
-	const int32 time = modification_time(file);
-	if (fBGImage != nullptr && file == fBGImageFile && time == fBGImageTime)
-		return true;
+	// Each step of a resize comes by here: a file that is as it was is not read again, not even one that is no image.
+	const BEntry entry(file.c_str(), true);
+	const int32 time = modification_time(entry);
+	const off_t size = size_of(entry);
+	if (file == fBGImageFile && time == fBGImageTime && size == fBGImageSize)
+		return fBGImage != nullptr;
 	fBGImage.reset(BTranslationUtils::GetBitmap(file.c_str()));
 	fBGImageFile = file;
 	fBGImageTime = time;
+	fBGImageSize = size;
 	return fBGImage != nullptr;
 }
 

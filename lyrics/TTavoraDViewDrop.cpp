@@ -4,7 +4,6 @@
 #include <Cursor.h>
 #include <Message.h>
 #include <Messenger.h>
-#include <Path.h>
 
 #include "framework/TLLT.h"
 #include "framework/file_utils.h"
@@ -24,13 +23,6 @@ constexpr const char* kTargetPath = "Target"; // string
 constexpr const char* kAsked = "Asked";       // int32: questions that were answered by going on
 constexpr int32 kAskedHidden = 1;
 constexpr int32 kAskedReplace = 2;
-
-std::string
-path_of(const entry_ref& ref)
-{
-	const BPath path(&ref);
-	return path.InitCheck() == B_OK ? path.Path() : ref.name;
-}
 
 bool
 exists(const std::string& path)
@@ -120,7 +112,7 @@ TTavoraDView::FileDropped(const BMessage* message)
 void
 TTavoraDView::ImageDropped(const entry_ref& ref)
 {
-	const std::string path = path_of(ref);
+	const std::string path = merion::path_of(ref);
 	if (!ReadBGImage(path)) {
 		LoadBGImage(); // the old one again
 		fQuestion.Tell((gLLT->Text("Err_Cannot_Read_Image") + path).c_str());
@@ -182,7 +174,7 @@ TTavoraDView::CopyLyricsRqtd(const BMessage* message)
 	else if (exists(target) && !(asked & kAskedReplace))
 		AskToCopy(*message, kAskedReplace, "Ask_Replace_Lyrics_", target, {"Button_Replace", 'R'});
 	else if (copy_lyrics(ref, target, asked & kAskedReplace) != B_OK)
-		fQuestion.Tell((gLLT->Text("Err_Cannot_Copy_File") + path_of(ref)).c_str());
+		fQuestion.Tell((gLLT->Text("Err_Cannot_Copy_File") + merion::path_of(ref)).c_str());
 	else if (fSong.filename != nullptr && LyricsFName() == target)
 		SongChanged(); // at once, and even if the file's time is what it was
 }

@@ -5,6 +5,7 @@
 #include <Messenger.h>
 #include <Window.h>
 
+#include "framework/TIAPItemAccKeyFormat.h"
 #include "lyrics/TDisplayMenu.h"
 #include "lyrics/TTavoraDView.h"
 #include "lyrics/TTavoraDWin.h"
@@ -116,6 +117,7 @@ TTavoraDView::LanguageChanged()
 void
 TTavoraDView::IAPChanged(const BMessage* message)
 {
-	if (strcmp(message->GetString("IAP:SrcIAPItem", ""), "AccKeyFormat") == 0)
+	if (strcmp(message->GetString(merion::kIAPSourceItem, ""), merion::TIAPItemAccKeyFormat::kName)
+		== 0)
 		MakeMenu();
 }

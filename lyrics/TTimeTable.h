@@ -10,6 +10,7 @@ class TTimeTable {
 public:
 	void Clear() { fEntries.clear(); }
 	bool IsEmpty() const { return fEntries.empty(); }
+	int32 CountTimes() const { return static_cast<int32>(fEntries.size()); }
 	//! Of several lines of one time the last added stays. Complete() must follow before the table is asked.
 	void Add(int32 time, int32 line) { fEntries.push_back({time, line}); }
 	void Complete();

@@ -32,5 +32,10 @@ constexpr uint32 kCopyLyrics = 'cply';
 	lyrics are shown) and "Index" (int32, from 0). */
 constexpr uint32 kCurrentLineChanged = 'CLch';
 
-//! The property of the view that scripts may get: a string, as in the notice.
-constexpr const char* kCurrentLineProperty = "CurrentLine";
+// The properties of the view that scripts may get.
+constexpr const char* kCurrentLineProperty = "CurrentLine"; // a string, as in the notice
+/*!	Where the lyrics come from, or why there are none: a message with "Title" (string: the playing song's, empty for none), "Song"
+	(string: the path of the playlist's entry of that title; left out when there is none) and then "File" (string: the path of the
+	lyrics file, there or not), "Error" (int32: B_OK, or why it cannot be read). With B_OK also "Encoding" (string: the name),
+	"Guessed" (bool: the encoding was taken from the text), "Lines" and "Times" (int32: how many of them). */
+constexpr const char* kLyricsProperty = "Lyrics";

@@ -4,12 +4,12 @@
 #include <Message.h>
 
 #include "framework/TAppPrivacy.h"
+#include "framework/TIAPItemAccKeyFormat.h"
 #include "framework/TInterAppPrefs.h"
 #include "framework/TLLT.h"
 #include "framework/TMERAboutWin.h"
 #include "framework/TNodeMonitorHandler.h"
 #include "framework/TSimpleAboutView.h"
-#include "framework/accelerator.h"
 #include "framework/dialogs.h"
 #include "lyrics/TTavoraDWin.h"
 #include "plugin/TTavInfoView.h"
@@ -260,9 +260,7 @@ TTavoraDCommMan::OpenTavoraERqtd(const BMessage* message)
 	entry_ref ref;
 	if (message->FindRef("LyricsERef", &ref) != B_OK)
 		return;
-	int32 format = merion::kAccKeyHidden;
-	if (gIAP->GetValue("AccKeyFormat", &format) != B_OK)
-		format = merion::kAccKeyHidden;
+	const int32 format = merion::TIAPItemAccKeyFormat::Format(gIAP);
 	BMessage open(kOpenRefs);
 	open.AddRef("refs", &ref);
 	if (SendMessage(&open) != B_OK)

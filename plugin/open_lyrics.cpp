@@ -4,21 +4,14 @@
 
 #include <Entry.h>
 #include <File.h>
-#include <Path.h>
 #include <Roster.h>
 
 #include "framework/TLLT.h"
 #include "framework/accelerator.h"
 #include "framework/dialogs.h"
+#include "framework/file_utils.h"
 
 namespace {
-
-std::string
-path_of(const entry_ref& ref)
-{
-	const BPath path(&ref);
-	return path.InitCheck() == B_OK ? path.Path() : ref.name;
-}
 
 bool
 does_user_want_new(const std::string& path, int32 acceleratorFormat)
@@ -40,7 +33,7 @@ does_user_want_new(const std::string& path, int32 acceleratorFormat)
 void
 open_lyrics_file(const entry_ref& ref, int32 acceleratorFormat)
 {
-	const std::string path = path_of(ref);
+	const std::string path = merion::path_of(ref);
 	if (!BEntry(&ref).Exists()) {
 		if (!does_user_want_new(path, acceleratorFormat))
 			return;
