@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int32 kInterfaceVersion = 1;
-constexpr const char* kDefaultFolders[] = {"../add-ons", "../lib/qubo/add-ons"};
+constexpr const char* kDefaultFolders[] = {"../lib/qubo/add-ons", "../add-ons"};
 
 using Factory = decltype(&NewPlugin);
 

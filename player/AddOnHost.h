@@ -44,7 +44,7 @@ public:
 	void ShowPreferences(size_t index);
 	void Quit();
 
-	//! The add-on folder of this program: "../add-ons" from its own, else "../lib/qubo/add-ons".
+	//! The add-on folder of this program: "../lib/qubo/add-ons" from its own, else "../add-ons" as in a build.
 	static std::string DefaultFolder();
 
 private:

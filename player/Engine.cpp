@@ -107,6 +107,12 @@ Engine::SetVolume(int32 percent)
 }
 
 void
+Engine::ListChanged()
+{
+	Post({kListChanged});
+}
+
+void
 Engine::Stop()
 {
 	Post({kStop});
@@ -197,6 +203,10 @@ Engine::Execute(const Command& command)
 		case kVolume:
 			VolumeRequested(static_cast<int32>(command.value));
 			break;
+		case kListChanged:
+			if (fPlayer != nullptr && !IsStopped())
+				PrepareNext();
+			break;
 		case kStop:
 			fFade.reset();
 			fWanted = false;
@@ -283,14 +293,17 @@ Engine::SeekRequested(bigtime_t position)
 	// beyond the end: the player itself finds the end, and goes on to the next song
 	std::string seconds = std::to_string(position / kSecond) + "."
 		+ std::to_string(kSecond + position % kSecond).substr(1);
-	if (fPlayer->Command({"seek", seconds.c_str(), "absolute+exact"}))
+	if (fPlayer->Command({"seek", seconds.c_str(), "absolute+exact"})) {
 		fState.Jump(position);
+		fListener.Sought();
+	}
 }
 
 void
 Engine::VolumeRequested(int32 percent)
 {
 	fVolume = percent;
+	fListener.PlayingChanged();
 	if (fPlayer != nullptr && fFade == nullptr)
 		fPlayer->SetNumber("volume", fVolume);
 }
@@ -351,6 +364,19 @@ Engine::AppendSongs()
 	PlaylistEntry entry;
 	while (fState.GetEntry(static_cast<int32>(fIds.size()), entry))
 		fIds.push_back(fPlayer->AppendFile(entry.path));
+}
+
+/*!	A gapless player opens the next file while the output still holds the end of this one, and throws that end away if the file cannot
+	be played. So it goes on gaplessly only to what is surely sound; before anything else it waits for the end to be heard. */
+void
+Engine::PrepareNext()
+{
+	PlaylistEntry next;
+	SongTags tags;
+	AppendSongs();
+	const bool isSound = fState.GetEntry(fState.CurrentIndex() + 1, next)
+		&& read_song_tags(next.path, tags) && tags.length > 0;
+	fPlayer->SetText("gapless-audio", isSound ? "yes" : "no");
 }
 
 int32
@@ -598,4 +624,5 @@ Engine::BeginLoadedSong(bigtime_t position)
 	fLoaded.reset();
 	fAnyPlayed = true;
 	fListener.PlayingChanged();
+	PrepareNext();
 }

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "PlayState.h"
+#include "Transport.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -19,13 +20,15 @@ struct mpv_event_property;
 	engine's own; the library is loaded when the first song is to be played.
 	Thread: the public calls may come from any thread and never wait: they only queue what is to be done. The listener is
 	called on the engine's thread, with no lock held. */
-class Engine {
+class Engine : public Transport {
 public:
 	class Listener {
 	public:
 		virtual ~Listener() = default;
 		//! Another song, a pause, a length, a volume: whatever a window shows has changed.
 		virtual void PlayingChanged() = 0;
+		//! The position has gone elsewhere in the song.
+		virtual void Sought() { }
 		virtual void SongFailed(int32 index, const std::string& reason) = 0;
 		//! There is no sound output; it plays on in silence. Told once.
 		virtual void NoSoundOutput() = 0;
@@ -36,23 +39,26 @@ public:
 
 	Engine(PlayState& state, Listener& listener);
 	//! Ends the sound and the thread.
-	~Engine();
+	~Engine() override;
 
 	/*!	Tells a song as the one that plays, standing at `position`, before the player library is loaded; later it does nothing. */
 	void Announce(int32 index, bigtime_t position = 0);
-	//! Plays a song of the list, from `position` (µs) on; `fade`: after 0.5 s in which the old one fades out.
-	void Play(int32 index, bool fade = false, bigtime_t position = 0);
-	//! Plays, goes on, or starts again after the end.
-	void Resume();
-	void Pause();
-	void TogglePause();
-	//! Back to the song's start when it has played for 3 s, else the song before it.
-	void Previous();
-	void Next();
-	void SeekTo(bigtime_t position);
-	void SeekBy(bigtime_t offset);
-	void SetVolume(int32 percent);
-	void Stop();
+	const PlayState& State() const override { return fState; }
+	void Play(int32 index, bool fade = false, bigtime_t position = 0) override;
+	void Resume() override;
+	void Pause() override;
+	void TogglePause() override;
+	//! Back to the song's start when it has played for 3 s.
+	void Previous() override;
+	void Next() override;
+	void SeekTo(bigtime_t position) override;
+	void SeekBy(bigtime_t offset) override;
+	void SetVolume(int32 percent) override;
+	//! There may be new songs in the list, to be played after the one that plays.
+	void ListChanged();
+	//! The last one that was set. Any thread.
+	int32 Volume() const { return fVolume; }
+	void Stop() override;
 
 private:
 	enum Action {
@@ -66,6 +72,7 @@ private:
 		kSeekTo,
 		kSeekBy,
 		kVolume,
+		kListChanged,
 		kStop,
 		kQuit
 	};
@@ -106,6 +113,7 @@ private:
 	bool IsStopped() const;
 	void PlayNow(const Command& command);
 	void AppendSongs();
+	void PrepareNext();
 	void ResetList();
 	int32 IndexOf(int64_t id) const; // -1 if it is none of ours
 
@@ -142,8 +150,8 @@ private:
 	std::vector<int64_t> fIds; // of our songs in the player's list, in the same order
 	std::unique_ptr<Loaded> fLoaded;
 	std::unique_ptr<Fade> fFade;
-	int32 fStarting = -1; // the song that is being opened
-	int32 fVolume = 100;
+	int32 fStarting = -1;             // the song that is being opened
+	std::atomic<int32> fVolume = 100; // set here, read by all
 	int32 fQuickSamples = 0;
 	bigtime_t fNextSample;
 	bigtime_t fLoadedStart;

@@ -1,7 +1,6 @@
 #include "FrontEndServer.h"
 
-#include "Engine.h"
-#include "PlayState.h"
+#include "Deck.h"
 
 #include "host/QuboProtocol.h"
 
@@ -49,11 +48,7 @@ answer_error(BMessage* request, status_t error)
 
 } // namespace
 
-FrontEndServer::FrontEndServer(const PlayState& state, Engine& engine)
-	: BHandler("Qubo FrontEnd Server"),
-	  fState(state),
-	  fEngine(engine)
-{ }
+FrontEndServer::FrontEndServer(const Deck& deck) : BHandler("Qubo FrontEnd Server"), fDeck(deck) { }
 
 bool
 FrontEndServer::Knows(const BMessage* message)
@@ -126,7 +121,7 @@ FrontEndServer::HelloRqtd(BMessage* message)
 void
 FrontEndServer::InfoRqtd(BMessage* message)
 {
-	QuboInfo info = fState.Info();
+	QuboInfo info = fDeck.ShiftedInfo();
 	BMessage reply(kQuboInfo);
 	reply.AddData("Info", B_STRING_TYPE, &info, sizeof(info));
 	answer(message, &reply);
@@ -136,7 +131,7 @@ void
 FrontEndServer::CountEntriesRqtd(BMessage* message)
 {
 	BMessage reply(B_REPLY);
-	reply.AddInt32("result", fState.CountEntries());
+	reply.AddInt32("result", fDeck.State().CountEntries());
 	answer(message, &reply);
 }
 
@@ -144,7 +139,7 @@ void
 FrontEndServer::GetEntryRqtd(BMessage* message, int32 index)
 {
 	PlaylistEntry entry;
-	if (!fState.GetEntry(index, entry)) {
+	if (!fDeck.State().GetEntry(index, entry)) {
 		answer_error(message, B_BAD_INDEX);
 		return;
 	}
@@ -160,11 +155,11 @@ FrontEndServer::GetEntryRqtd(BMessage* message, int32 index)
 void
 FrontEndServer::PlayEntryRqtd(BMessage* message, int32 index)
 {
-	if (index < 0 || index >= fState.CountEntries()) {
+	if (index < 0 || index >= fDeck.State().CountEntries()) {
 		answer_error(message, B_BAD_INDEX);
 		return;
 	}
 	bool fade = false;
 	message->FindBool("Fade", &fade); // without it: no fade
-	fEngine.Play(index, fade);
+	fDeck.On().Play(index, fade);
 }

@@ -2,15 +2,14 @@
 
 #include <Handler.h>
 
-class Engine;
-class PlayState;
+class Deck;
 
 /*!	The host's side of the front-end protocol (host/QuboProtocol.h): tells add-ons what plays, lists the playlist and starts
-	songs of it. Everything is answered from the PlayState at once, nothing waits for the player.
+	songs of it. Everything is answered from a PlayState at once, nothing waits for the player.
 	Thread: the application's looper, which it is added to. It is the target of 'QUBi', and of requests for the "Playlist". */
 class FrontEndServer : public BHandler {
 public:
-	FrontEndServer(const PlayState& state, Engine& engine);
+	explicit FrontEndServer(const Deck& deck);
 
 	//! Is it for this handler, even when it was sent to the application?
 	static bool Knows(const BMessage* message);
@@ -29,6 +28,5 @@ private:
 	void GetEntryRqtd(BMessage* message, int32 index);
 	void PlayEntryRqtd(BMessage* message, int32 index);
 
-	const PlayState& fState;
-	Engine& fEngine;
+	const Deck& fDeck;
 };

@@ -1,6 +1,7 @@
 #include "LyricsWatch.h"
 
-#include "PlayState.h"
+#include "Deck.h"
+#include "lyrics_view.h"
 #include "player_messages.h"
 
 #include "server/WindowPicture.h"
@@ -15,36 +16,10 @@
 
 namespace {
 
-constexpr const char* kViewName = "TavoraDisplayerView";
-constexpr const char* kLineProperty = "CurrentLine";
 constexpr uint32 kMsgPulse = 'QWpl';
 constexpr bigtime_t kPulse = 20000;
-constexpr bigtime_t kAnswerTime = 1000000; // a window that is busy for longer is asked again
 // The display looks every 25 ms and then draws.
 constexpr bigtime_t kDrawingTime = 80000;
-
-//! The scripting request `request` to the view of that name in one of the windows.
-bool
-ask_view(BMessage& request, int32 window, BMessage& reply)
-{
-	request.AddSpecifier("View", kViewName);
-	request.AddSpecifier("Window", window);
-	return be_app_messenger.SendMessage(&request, &reply, kAnswerTime, kAnswerTime) == B_OK
-		&& reply.what == B_REPLY;
-}
-
-int32
-count_windows()
-{
-	BMessage request(B_COUNT_PROPERTIES);
-	BMessage reply;
-	int32 count;
-	request.AddSpecifier("Window");
-	if (be_app_messenger.SendMessage(&request, &reply, kAnswerTime, kAnswerTime) != B_OK
-		|| reply.FindInt32("result", &count) != B_OK)
-		return 0;
-	return count;
-}
 
 bool
 save_picture(BWindow* window, const std::string& file)
@@ -56,38 +31,18 @@ save_picture(BWindow* window, const std::string& file)
 	return status == B_OK;
 }
 
-bool
-find_view(BMessenger& view)
-{
-	int32 count = count_windows();
-	for (int32 i = 0; i < count; i++) {
-		BMessage request(B_GET_PROPERTY);
-		BMessage reply;
-		request.AddSpecifier("Messenger");
-		if (ask_view(request, i, reply) && reply.FindMessenger("result", &view) == B_OK)
-			return true;
-	}
-	return false;
-}
-
 std::string
 current_line(const BMessenger& view)
 {
-	BMessage request(B_GET_PROPERTY);
 	BMessage reply;
-	const char* line;
-	request.AddSpecifier(kLineProperty);
-	if (view.SendMessage(&request, &reply, kAnswerTime, kAnswerTime) != B_OK
-		|| reply.FindString("result", &line) != B_OK)
-		return "";
-	return line;
+	return get_property(view, kCurrentLineProperty, reply) ? reply.GetString("result", "") : "";
 }
 
 } // namespace
 
-LyricsWatch::LyricsWatch(const PlayState& state, const Wish& wish, const BMessenger& listener)
+LyricsWatch::LyricsWatch(const Deck& deck, const Wish& wish, const BMessenger& listener)
 	: BLooper("Qubo lyrics watch"),
-	  fState(state),
+	  fDeck(deck),
 	  fWish(wish),
 	  fListener(listener)
 { }
@@ -133,8 +88,8 @@ LyricsWatch::PulseReceived()
 		FindView();
 	if (fWish.snapshot.empty() || fWish.snapshotTime < 0)
 		return;
-	QuboInfo info = fState.Info();
-	if (info.title[0] != '\0' && fState.Position() >= fWish.snapshotTime + kDrawingTime)
+	QuboInfo info = fDeck.State().Info();
+	if (info.title[0] != '\0' && fDeck.State().Position() >= fWish.snapshotTime + kDrawingTime)
 		TakeSnapshot();
 }
 
@@ -142,7 +97,7 @@ void
 LyricsWatch::FindView()
 {
 	BMessenger view;
-	if (find_view(view))
+	if (find_lyrics_view(view))
 		WatchView(view);
 }
 
@@ -153,17 +108,17 @@ LyricsWatch::WatchView(const BMessenger& view)
 	if (!fWish.print)
 		return;
 	StartWatchingAll(view);
-	QuboInfo now = fState.Info();
+	QuboInfo now = fDeck.ShiftedInfo();
 	PrintLine(current_line(view), -1, now);
 }
 
 void
 LyricsWatch::LineChanged(BMessage* notice)
 {
-	QuboInfo now = fState.Info();
+	QuboInfo now = fDeck.ShiftedInfo();
 	const char* line;
 	int32 index = -1; // a view that does not number its lines
-	if (notice->FindString(kLineProperty, &line) != B_OK)
+	if (notice->FindString(kCurrentLineProperty, &line) != B_OK)
 		return;
 	notice->FindInt32("Index", &index);
 	PrintLine(line, index, now);

@@ -7,7 +7,7 @@
 #include <string>
 
 class BMessageRunner;
-class PlayState;
+class Deck;
 struct QuboInfo;
 
 /*!	Looks at the add-on's lyrics from outside, by the platform's scripting only: it finds the view, writes each line that becomes
@@ -22,7 +22,7 @@ public:
 	};
 
 	//! kMsgWatchFinished goes to `listener`.
-	LyricsWatch(const PlayState& state, const Wish& wish, const BMessenger& listener);
+	LyricsWatch(const Deck& deck, const Wish& wish, const BMessenger& listener);
 	~LyricsWatch() override;
 
 	thread_id Run() override;
@@ -39,7 +39,7 @@ private:
 	void FinishRqtd();
 	void TakeSnapshot();
 
-	const PlayState& fState;
+	const Deck& fDeck;
 	Wish fWish;
 	BMessenger fListener;
 	BMessenger fView;

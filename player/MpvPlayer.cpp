@@ -163,6 +163,10 @@ MpvPlayer::Start(std::string& error)
 	std::string output = WantedOutput();
 	if (!output.empty() && !SetOption("ao", output.c_str(), error))
 		return false;
+	// its own clock can be asked there past the program, which is how the program's is measured
+	const char* socket = getenv("QUBO_MPV_SOCKET");
+	if (socket != nullptr && !SetOption("input-ipc-server", socket, error))
+		return false;
 	if (int status = fMpv.initialize(fHandle); status < 0) {
 		error = fMpv.errorString(status);
 		return false;

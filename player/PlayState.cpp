@@ -45,19 +45,26 @@ PlayState::CurrentIndex() const
 	return fCurrent;
 }
 
+//! With the lock held.
+void
+PlayState::MakeCurrent(int32 index, const SongTags& tags, bigtime_t position)
+{
+	fPlaylist.SetTags(index, tags);
+	fPlaylist.SetPlayed(index);
+	fCurrent = index;
+	fLength = tags.length;
+	fClock.SetLength(tags.length);
+	fClock.Jump(position);
+}
+
 void
 PlayState::Announce(int32 index, const SongTags& tags, bigtime_t position)
 {
 	std::lock_guard lock(fLock);
-	fPlaylist.SetTags(index, tags);
-	fPlaylist.SetPlayed(index);
-	fCurrent = index;
 	fAnnounced = true;
-	fLength = tags.length;
 	fState = kPlaying;
 	fClock.SetRunning(false, system_time());
-	fClock.SetLength(tags.length);
-	fClock.Jump(position);
+	MakeCurrent(index, tags, position);
 }
 
 void
@@ -76,14 +83,9 @@ void
 PlayState::StartSong(int32 index, const SongTags& tags, bigtime_t position)
 {
 	std::lock_guard lock(fLock);
-	fPlaylist.SetTags(index, tags);
-	fPlaylist.SetPlayed(index);
-	fCurrent = index;
 	fAnnounced = false;
-	fLength = tags.length;
 	fState = fPaused ? kPaused : kPlaying;
-	fClock.SetLength(tags.length);
-	fClock.Jump(position);
+	MakeCurrent(index, tags, position);
 }
 
 bool
@@ -151,6 +153,62 @@ PlayState::Stop()
 	std::lock_guard lock(fLock);
 	fClock.SetRunning(false, system_time());
 	fState = kStopped;
+}
+
+void
+PlayState::StartFollowed(const std::string& path, const SongTags& tags)
+{
+	std::lock_guard lock(fLock);
+	fPlaylist.Replace(path, tags);
+	fClock.SetRunning(false, system_time());
+	MakeCurrent(0, tags, 0);
+}
+
+void
+PlayState::DescribeFollowed(const SongTags& tags)
+{
+	std::lock_guard lock(fLock);
+	fPlaylist.SetTags(fCurrent, tags);
+	fLength = tags.length;
+	fClock.SetLength(tags.length);
+}
+
+void
+PlayState::SetState(State state)
+{
+	std::lock_guard lock(fLock);
+	fState = state;
+	fPaused = state == kPaused;
+	if (state != kPlaying)
+		fClock.SetRunning(false, system_time());
+}
+
+void
+PlayState::SetRate(double rate)
+{
+	std::lock_guard lock(fLock);
+	fClock.SetRate(rate, system_time());
+}
+
+void
+PlayState::Stand(bigtime_t position, bigtime_t when)
+{
+	std::lock_guard lock(fLock);
+	fClock.SetRunning(false, when);
+	fClock.Sample(position, when);
+}
+
+void
+PlayState::Clear()
+{
+	std::lock_guard lock(fLock);
+	fPlaylist = {};
+	fCurrent = -1;
+	fLength = 0;
+	fState = kStopped;
+	fClock.SetRunning(false, system_time());
+	fClock.SetLength(0);
+	fClock.Jump(0);
 }
 
 QuboInfo

@@ -46,12 +46,27 @@ public:
 	//! The end of the last song; what played stays, with its position.
 	void Stop();
 
+	// the follower's side, beside Jump(), Sample() and Stop()
+	/*!	What a followed player plays is all that is in the playlist: `path`, from its start. Its title is another than the one before,
+		so that nobody takes it for that. */
+	void StartFollowed(const std::string& path, const SongTags& tags);
+	//! More is known of it.
+	void DescribeFollowed(const SongTags& tags);
+	void SetState(State state);
+	void SetRate(double rate);
+	//! Like Sample(), of sound that is seen to stand still.
+	void Stand(bigtime_t position, bigtime_t when);
+	//! Nothing plays, and the playlist is empty.
+	void Clear();
+
 	// what is told
 	QuboInfo Info() const { return InfoAt(system_time()); }
 	QuboInfo InfoAt(bigtime_t when) const;
 	bigtime_t Position() const;
 
 private:
+	void MakeCurrent(int32 index, const SongTags& tags, bigtime_t position);
+
 	mutable std::mutex fLock;
 	Playlist fPlaylist;
 	mutable PositionClock fClock;

@@ -1,8 +1,9 @@
 #include "PlayerWindow.h"
 
-#include "Engine.h"
+#include "Deck.h"
 #include "media_files.h"
 #include "player_messages.h"
+#include "settings.h"
 
 #include <Application.h>
 #include <Button.h>
@@ -23,6 +24,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -38,6 +40,9 @@ constexpr uint32 kMsgForward = 'PWfw';
 constexpr uint32 kMsgToStart = 'PWts';
 constexpr uint32 kMsgSofter = 'PWsf';
 constexpr uint32 kMsgLouder = 'PWld';
+constexpr uint32 kMsgLyricsEarlier = 'PWle';
+constexpr uint32 kMsgLyricsLater = 'PWll';
+constexpr uint32 kMsgUsualTiming = 'PWut';
 constexpr uint32 kMsgPositionDragged = 'PWpd';
 constexpr uint32 kMsgPositionChosen = 'PWpc';
 constexpr uint32 kMsgVolumeChosen = 'PWvc';
@@ -52,6 +57,7 @@ constexpr float kVolumeWidth = 130;
 constexpr bigtime_t kPulse = 200000;
 constexpr bigtime_t kSeekStep = 5000000;
 constexpr int32 kVolumeStep = 5;
+constexpr int32 kShiftStep = 10;       // ms
 constexpr int32 kPositionSteps = 1000; // of the position bar
 constexpr const char* kNowPlaying = "▶ ";
 
@@ -68,11 +74,14 @@ time_text(int32 ms)
 	return buffer;
 }
 
-void
+//! Whether it is another text than before.
+bool
 set_text(BStringView* view, const std::string& text)
 {
-	if (view->Text() == nullptr || text != view->Text())
-		view->SetText(text.c_str());
+	if (view->Text() != nullptr && text == view->Text())
+		return false;
+	view->SetText(text.c_str());
+	return true;
 }
 
 BMenuItem*
@@ -87,10 +96,10 @@ add_on_item(TextKey key, uint32 code, int32 index)
 
 } // namespace
 
-PlayerWindow::PlayerWindow(PlayState& state, Engine& engine, int32 volume)
+PlayerWindow::PlayerWindow(Deck& deck, PlayState& list, int32 volume)
 	: BWindow(kFrame, kQuboWindowTitle, B_TITLED_WINDOW, B_ASYNCHRONOUS_CONTROLS),
-	  fState(state),
-	  fEngine(engine)
+	  fDeck(deck),
+	  fPlaylist(list)
 {
 	BuildMenus();
 	BuildViews(fMenuBar->Frame().bottom + 1);
@@ -123,6 +132,11 @@ PlayerWindow::BuildMenus()
 	file->AddItem(new BMenuItem(text(kTextQuit), new BMessage(B_QUIT_REQUESTED), 'Q'));
 	fMenuBar->AddItem(file);
 	fMenuBar->AddItem(BuildPlaybackMenu());
+	fFollowMenu = new BMenu(text(kTextFollowMenu));
+	AddFollowItem(text(kTextFollowNone), false, "");
+	AddFollowItem(text(kTextFollowAny), true, "");
+	fFollowMenu->ItemAt(0)->SetMarked(true);
+	fMenuBar->AddItem(fFollowMenu);
 	fAddOnsMenu = new BMenu(text(kTextAddOnsMenu));
 	auto none = new BMenuItem(text(kTextNoAddOns), nullptr);
 	none->SetEnabled(false);
@@ -143,9 +157,32 @@ PlayerWindow::BuildPlaybackMenu()
 	menu->AddItem(new BMenuItem(text(kTextForward), new BMessage(kMsgForward), 'L'));
 	menu->AddItem(new BMenuItem(text(kTextToStart), new BMessage(kMsgToStart), 'H'));
 	menu->AddSeparatorItem();
-	menu->AddItem(new BMenuItem(text(kTextLouder), new BMessage(kMsgLouder), '+'));
-	menu->AddItem(new BMenuItem(text(kTextSofter), new BMessage(kMsgSofter), '-'));
+	menu->AddItem(new BMenuItem(text(kTextLouder), new BMessage(kMsgLouder), B_UP_ARROW));
+	menu->AddItem(new BMenuItem(text(kTextSofter), new BMessage(kMsgSofter), B_DOWN_ARROW));
+	menu->AddSeparatorItem();
+	menu->AddItem(BuildTimingMenu());
 	return menu;
+}
+
+BMenu*
+PlayerWindow::BuildTimingMenu()
+{
+	auto menu = new BMenu(text(kTextTimingMenu));
+	menu->AddItem(new BMenuItem(text(kTextLyricsEarlier), new BMessage(kMsgLyricsEarlier), '+'));
+	menu->AddItem(new BMenuItem(text(kTextLyricsLater), new BMessage(kMsgLyricsLater), '-'));
+	menu->AddItem(new BMenuItem(text(kTextUsualTiming), new BMessage(kMsgUsualTiming), '0'));
+	return menu;
+}
+
+void
+PlayerWindow::AddFollowItem(const char* label, bool on, const char* player)
+{
+	auto message = new BMessage(kMsgFollow);
+	message->AddBool("on", on);
+	message->AddString("player", player);
+	auto item = new BMenuItem(label, message);
+	fFollowMenu->AddItem(item);
+	item->SetTarget(be_app);
 }
 
 /*!	From top to bottom: title, position and time, buttons and volume, playlist, status. */
@@ -232,31 +269,40 @@ PlayerWindow::MessageReceived(BMessage* message)
 			UpdateAll();
 			break;
 		case kMsgTogglePause:
-			fEngine.TogglePause();
+			fDeck.On().TogglePause();
 			TakeKeysBack();
 			break;
 		case kMsgPrevious:
-			fEngine.Previous();
+			fDeck.On().Previous();
 			TakeKeysBack();
 			break;
 		case kMsgNext:
-			fEngine.Next();
+			fDeck.On().Next();
 			TakeKeysBack();
 			break;
 		case kMsgBack:
-			fEngine.SeekBy(-kSeekStep);
+			fDeck.On().SeekBy(-kSeekStep);
 			break;
 		case kMsgForward:
-			fEngine.SeekBy(kSeekStep);
+			fDeck.On().SeekBy(kSeekStep);
 			break;
 		case kMsgToStart:
-			fEngine.SeekTo(0);
+			fDeck.On().SeekTo(0);
 			break;
 		case kMsgSofter:
 			StepVolume(-kVolumeStep);
 			break;
 		case kMsgLouder:
 			StepVolume(kVolumeStep);
+			break;
+		case kMsgLyricsEarlier:
+			SetShift(fDeck.Shift() + kShiftStep);
+			break;
+		case kMsgLyricsLater:
+			SetShift(fDeck.Shift() - kShiftStep);
+			break;
+		case kMsgUsualTiming:
+			SetShift(Deck::kUsualShift);
 			break;
 		case kMsgPositionDragged:
 			PositionDragged();
@@ -279,8 +325,17 @@ PlayerWindow::MessageReceived(BMessage* message)
 		case B_REFS_RECEIVED:
 			FilesDropped(message);
 			break;
+		case kMsgSetVolume:
+			SetVolumeRqtd(message);
+			break;
+		case kMsgPlayFiles:
+			PlayFilesRqtd(message);
+			break;
 		case kMsgAddOnsLoaded:
 			AddOnsLoaded(message);
+			break;
+		case kMsgFollowingChanged:
+			FollowingChanged(message);
 			break;
 		case kMsgProblem:
 			ProblemTold(message);
@@ -328,10 +383,10 @@ PlayerWindow::KeyPressed(BMessage* message)
 			PostMessage(kMsgNext);
 			return true;
 		case '+':
-			PostMessage(kMsgLouder);
+			PostMessage(kMsgLyricsEarlier);
 			return true;
 		case '-':
-			PostMessage(kMsgSofter);
+			PostMessage(kMsgLyricsLater);
 			return true;
 		default:
 			return false;
@@ -355,22 +410,43 @@ void
 PlayerWindow::PositionChosen()
 {
 	fDragging = false;
-	bigtime_t length = fState.Info().lengthMs * bigtime_t(1000);
-	fEngine.SeekTo(length * fPosition->Value() / kPositionSteps);
+	bigtime_t length = fDeck.State().Info().lengthMs * bigtime_t(1000);
+	fDeck.On().SeekTo(length * fPosition->Value() / kPositionSteps);
 }
 
 void
 PlayerWindow::VolumeChosen()
 {
-	fEngine.SetVolume(fVolume->Value());
+	fDeck.On().SetVolume(fVolume->Value());
 	set_text(fStatus, text(kTextVolume, std::to_string(fVolume->Value())));
+}
+
+void
+PlayerWindow::SetVolumeRqtd(const BMessage* message)
+{
+	int32 percent;
+	if (message->FindInt32("volume", &percent) != B_OK)
+		return;
+	fVolume->SetValue(percent);
+	VolumeChosen();
 }
 
 void
 PlayerWindow::StepVolume(int32 step)
 {
+	if (fFollowing)
+		return; // the other player's volume is its own
 	fVolume->SetValue(std::clamp<int32>(fVolume->Value() + step, 0, 100));
 	VolumeChosen();
+}
+
+void
+PlayerWindow::SetShift(int32 ms)
+{
+	fDeck.SetShift(ms);
+	const std::string shift = std::to_string(fDeck.Shift());
+	const bool isKept = set_int_setting(kShiftSetting, fDeck.Shift()) == B_OK;
+	set_text(fStatus, text(isKept ? kTextTiming : kTextTimingNotKept, shift));
 }
 
 void
@@ -378,7 +454,7 @@ PlayerWindow::EntryInvoked(BMessage* message)
 {
 	int32 index;
 	if (message->FindInt32("index", &index) == B_OK)
-		fEngine.Play(index);
+		fDeck.On().Play(index);
 	TakeKeysBack();
 }
 
@@ -398,19 +474,65 @@ PlayerWindow::MItemOpenClicked()
 void
 PlayerWindow::FilesDropped(BMessage* message)
 {
-	int32 first = fState.CountEntries();
+	int32 first = fPlaylist.CountEntries();
 	entry_ref ref;
+	std::vector<std::string> paths;
 	for (int32 i = 0; message->FindRef("refs", i, &ref) == B_OK; i++) {
-		BPath path(&ref);
+		if (BPath path(&ref); path.InitCheck() == B_OK)
+			paths.push_back(path.Path());
+	}
+	AddFiles(paths);
+	if (fPlaylist.CountEntries() > first
+		&& (fFollowing || fPlaylist.Info().state == PlayState::kStopped))
+		PlayOwn(first, 0);
+}
+
+//! They go to the end of the list and play at once, whatever does now. The user is led here, who may have forgotten this window.
+void
+PlayerWindow::PlayFilesRqtd(const BMessage* message)
+{
+	const int32 first = fPlaylist.CountEntries();
+	int32 value;
+	SetVolumeRqtd(message);
+	if (message->FindInt32("shift", &value) == B_OK)
+		fDeck.SetShift(value);
+	std::vector<std::string> paths;
+	const char* path;
+	for (int32 i = 0; message->FindString("path", i, &path) == B_OK; i++)
+		paths.push_back(path);
+	AddFiles(paths);
+	if (fPlaylist.CountEntries() > first)
+		PlayOwn(first, message->GetInt64("start", 0));
+	Activate();
+}
+
+void
+PlayerWindow::AddFiles(const std::vector<std::string>& paths)
+{
+	for (const std::string& path : paths) {
 		std::vector<std::string> files;
-		if (path.InitCheck() != B_OK || !collect_media_files(path.Path(), files))
+		if (!collect_media_files(path, files))
 			continue;
 		for (const std::string& file : files)
-			fState.Add(file);
+			fPlaylist.Add(file);
 	}
 	UpdateAll();
-	if (fState.CountEntries() > first && fState.Info().state == PlayState::kStopped)
-		fEngine.Play(first);
+	be_app->PostMessage(kMsgListChanged);
+}
+
+//! A song of the playlist, which ends following.
+void
+PlayerWindow::PlayOwn(int32 index, bigtime_t start)
+{
+	if (!fFollowing) {
+		fDeck.On().Play(index, false, start);
+		return;
+	}
+	BMessage message(kMsgFollow);
+	message.AddBool("on", false);
+	message.AddInt32("play", index);
+	message.AddInt64("start", start);
+	be_app->PostMessage(&message);
 }
 
 void
@@ -436,27 +558,75 @@ PlayerWindow::ProblemTold(BMessage* message)
 	fStatus->SetText(message->GetString("text", ""));
 }
 
+void
+PlayerWindow::FollowingChanged(BMessage* message)
+{
+	const std::string text = message->GetString("text", "");
+	fFollowing = message->GetBool("on", false);
+	fCanSeek = !fFollowing || message->GetBool("seeks", false);
+	if (text != std::exchange(fFollowText, text))
+		set_text(fStatus, text);
+	if (fVolume->IsEnabled() == fFollowing)
+		fVolume->SetEnabled(!fFollowing);
+	UpdateFollowMenu(message);
+	UpdateAll();
+}
+
+//! Only when something in it is another: it may be open.
+void
+PlayerWindow::UpdateFollowMenu(const BMessage* message)
+{
+	const std::string pinned = message->GetString("pinned", "");
+	std::vector<std::string> players;
+	const char* player;
+	for (int32 i = 0; message->FindString("player", i, &player) == B_OK; i++)
+		players.push_back(player);
+	const int32 none = 0;
+	const int32 any = 1;
+	const int32 first = 2;
+	bool same = fFollowMenu->CountItems() == first + static_cast<int32>(players.size());
+	for (size_t i = 0; same && i < players.size(); i++)
+		same = players[i] == fFollowMenu->ItemAt(first + static_cast<int32>(i))->Label();
+	if (!same) {
+		fFollowMenu->RemoveItems(first, fFollowMenu->CountItems() - first, true);
+		for (const std::string& name : players)
+			AddFollowItem(name.c_str(), true, name.c_str());
+	}
+	fFollowMenu->ItemAt(none)->SetMarked(!fFollowing);
+	fFollowMenu->ItemAt(any)->SetMarked(fFollowing && pinned.empty());
+	for (size_t i = 0; i < players.size(); i++)
+		fFollowMenu->ItemAt(first + static_cast<int32>(i))
+			->SetMarked(fFollowing && pinned == players[i]);
+}
+
 // #pragma mark - what is shown
 
 void
 PlayerWindow::UpdateAll()
 {
-	QuboInfo info = fState.Info();
+	QuboInfo info = fDeck.State().Info();
 	std::string title = info.title;
 	SetTitle(title.empty() ? kQuboWindowTitle : (kQuboWindowTitle + (" – " + title)).c_str());
-	set_text(fTitle, title.empty() ? text(kTextDropHere) : title);
+	const std::string nothing = fFollowing ? fFollowText : text(kTextDropHere);
+	set_text(fTitle, title.empty() ? nothing : title);
 	fPlay->SetLabel(text(info.state == PlayState::kPlaying ? kTextPause : kTextPlay));
 	UpdateList();
 	UpdatePosition();
 }
 
+//!	The bar moves with the seconds: to draw it at every pulse would cost as much as a tick of the lyrics.
 void
 PlayerWindow::UpdatePosition()
 {
-	QuboInfo info = fState.Info();
-	set_text(fTime, time_text(info.positionMs) + " / " + time_text(info.lengthMs));
-	fPosition->SetEnabled(info.lengthMs > 0);
-	if (!fDragging && info.lengthMs > 0)
+	QuboInfo info = fDeck.State().Info();
+	// What stays as it is does not wake the display server: while paused that is all.
+	const bool hasLength = info.lengthMs > 0;
+	const bool canSeek = hasLength && fCanSeek;
+	if (canSeek != fPosition->IsEnabled())
+		fPosition->SetEnabled(canSeek);
+	if (!set_text(fTime, time_text(info.positionMs) + " / " + time_text(info.lengthMs)))
+		return;
+	if (!fDragging && hasLength)
 		fPosition->SetValue(
 			static_cast<int32>(int64(info.positionMs) * kPositionSteps / info.lengthMs));
 }
@@ -464,9 +634,11 @@ PlayerWindow::UpdatePosition()
 void
 PlayerWindow::UpdateList()
 {
-	int32 current = fState.CurrentIndex();
+	int32 current = fDeck.State().CurrentIndex();
 	PlaylistEntry entry;
-	for (int32 i = 0; fState.GetEntry(i, entry); i++) {
+	for (int32 i = fList->CountItems() - 1; i >= fDeck.State().CountEntries(); i--)
+		delete fList->RemoveItem(i);
+	for (int32 i = 0; fDeck.State().GetEntry(i, entry); i++) {
 		std::string label = (i == current ? kNowPlaying : "") + entry.title;
 		auto item = static_cast<BStringItem*>(fList->ItemAt(i));
 		if (item == nullptr) {

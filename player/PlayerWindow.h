@@ -1,11 +1,12 @@
 #pragma once
 
-#include "PlayState.h"
 #include "Texts.h"
 
 #include <Window.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 class BButton;
 class BFilePanel;
@@ -15,14 +16,16 @@ class BMenuBar;
 class BMessageRunner;
 class BSlider;
 class BStringView;
-class Engine;
+class Deck;
+class PlayState;
 
 /*!	The player's window: what plays, where it is, the playlist, and the controls. Its title begins with kQuboWindowTitle.
-	Thread: its own looper. It reads the PlayState and tells the engine; it waits for neither. Its close button asks the application to
+	Thread: its own looper. It reads what plays and passes commands on; it waits for nothing. Its close button asks the application to
 	quit; it closes when that does. Owner: itself. */
 class PlayerWindow : public BWindow {
 public:
-	PlayerWindow(PlayState& state, Engine& engine, int32 volume);
+	//! What is dropped on it goes into `list`, the engine's.
+	PlayerWindow(Deck& deck, PlayState& list, int32 volume);
 	~PlayerWindow() override;
 
 	void DispatchMessage(BMessage* message, BHandler* target) override;
@@ -32,6 +35,8 @@ public:
 private:
 	void BuildMenus();
 	BMenu* BuildPlaybackMenu();
+	BMenu* BuildTimingMenu();
+	void AddFollowItem(const char* label, bool on, const char* player);
 	void BuildViews(float top);
 	BButton* AddButton(BView* parent, BPoint& where, const char* name, TextKey label, uint32 code);
 
@@ -40,20 +45,28 @@ private:
 	void PositionDragged();
 	void PositionChosen();
 	void VolumeChosen();
+	void SetVolumeRqtd(const BMessage* message);
 	void StepVolume(int32 step);
+	void SetShift(int32 ms);
 	void EntryInvoked(BMessage* message);
 	void MItemOpenClicked();
 	void FilesDropped(BMessage* message);
+	void PlayFilesRqtd(const BMessage* message);
+	void AddFiles(const std::vector<std::string>& paths);
+	void PlayOwn(int32 index, bigtime_t start);
 	void AddOnsLoaded(BMessage* message);
 	void ProblemTold(BMessage* message);
+	void FollowingChanged(BMessage* message);
+	void UpdateFollowMenu(const BMessage* message);
 
 	void UpdateAll();
 	void UpdatePosition();
 	void UpdateList();
 
-	PlayState& fState;
-	Engine& fEngine;
+	Deck& fDeck;
+	PlayState& fPlaylist;
 	BMenuBar* fMenuBar = nullptr;
+	BMenu* fFollowMenu = nullptr;
 	BMenu* fAddOnsMenu = nullptr;
 	BView* fBack = nullptr;
 	BStringView* fTitle = nullptr;
@@ -65,5 +78,8 @@ private:
 	BListView* fList = nullptr;
 	std::unique_ptr<BMessageRunner> fPulse;
 	std::unique_ptr<BFilePanel> fOpenPanel; // once it was asked for
-	bool fDragging = false;                 // the position is in the user's hand
+	std::string fFollowText;                // what is followed, or why there is nothing
+	bool fFollowing = false;
+	bool fCanSeek = true;
+	bool fDragging = false; // the position is in the user's hand
 };

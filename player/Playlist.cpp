@@ -33,6 +33,16 @@ Playlist::Add(const std::string& path)
 	return CountEntries() - 1;
 }
 
+void
+Playlist::Replace(const std::string& path, const SongTags& tags)
+{
+	const std::string before = fEntries.empty() ? "" : fEntries.front().title;
+	*this = {};
+	fTitles.insert(before);
+	Add(path);
+	SetTags(0, tags);
+}
+
 const PlaylistEntry*
 Playlist::EntryAt(int32 index) const
 {
@@ -46,6 +56,7 @@ Playlist::SetTags(int32 index, const SongTags& tags)
 		return;
 	SetLength(index, tags.length);
 	PlaylistEntry& entry = fEntries[index];
+	entry.tags = tags;
 	std::string name = song_title(tags.artist, tags.title, file_name(entry.path));
 	if (name == entry.name) // played again, it keeps its number
 		return;

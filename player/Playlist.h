@@ -17,6 +17,7 @@ struct SongTags {
 /*!	One song of the playlist. */
 struct PlaylistEntry {
 	std::string path;   // absolute
+	SongTags tags;      // empty until they are read
 	std::string name;   // by tags or file, see song_title.h
 	std::string title;  // the name, cut, and numbered so that it is unique in its playlist
 	int32 lengthMs = 0; // 0 until it is known
@@ -32,6 +33,8 @@ class Playlist {
 public:
 	//! Appends a song under its file's name; returns its index.
 	int32 Add(const std::string& path);
+	//! Leaves this song alone in the list, under a title that is not the first one's before.
+	void Replace(const std::string& path, const SongTags& tags);
 
 	int32 CountEntries() const { return static_cast<int32>(fEntries.size()); }
 	//! NULL if there is no such index. Good until the next Add().

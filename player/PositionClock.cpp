@@ -1,6 +1,7 @@
 #include "PositionClock.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -30,6 +31,14 @@ PositionClock::SetRunning(bool running, bigtime_t now)
 }
 
 void
+PositionClock::SetRate(double rate, bigtime_t now)
+{
+	fBase = Extrapolated(now);
+	fBaseTime = now;
+	fRate = rate;
+}
+
+void
 PositionClock::Sample(bigtime_t position, bigtime_t now)
 {
 	fBase = position;
@@ -51,5 +60,7 @@ PositionClock::Position(bigtime_t now)
 bigtime_t
 PositionClock::Extrapolated(bigtime_t now) const
 {
-	return fRunning ? fBase + (now - fBaseTime) : fBase;
+	if (!fRunning)
+		return fBase;
+	return fBase + std::llround(static_cast<double>(now - fBaseTime) * fRate);
 }

@@ -13,6 +13,8 @@ public:
 	//! 0: unknown, without end.
 	void SetLength(bigtime_t length) { fLength = length; }
 	void SetRunning(bool running, bigtime_t now);
+	//! Seconds of the song in a second; 1 at first.
+	void SetRate(double rate, bigtime_t now);
 	//! What the player said at `now`. A negative position is sound that is still to come.
 	void Sample(bigtime_t position, bigtime_t now);
 
@@ -26,5 +28,6 @@ private:
 	bigtime_t fBaseTime = 0;
 	bigtime_t fTold = 0; // the largest position that was told
 	bigtime_t fLength = 0;
+	double fRate = 1;
 	bool fRunning = false;
 };

@@ -1,11 +1,16 @@
 #include "QuboApp.h"
 
+#include "LyricsExplainer.h"
 #include "LyricsWatch.h"
 #include "PlayerWindow.h"
 #include "Texts.h"
+#include "explanation.h"
 #include "media_files.h"
 #include "memory_use.h"
 #include "player_messages.h"
+#include "settings.h"
+
+#include "mpris/track_path.h"
 
 #include "host/QuboProtocol.h"
 
@@ -18,6 +23,9 @@
 
 namespace {
 
+constexpr int32 kFullVolume = 100;
+constexpr bigtime_t kRequestTime = 1000000;   // for this looper to take another process's files
+constexpr bigtime_t kExplainTime = 500000;    // for the lyrics window to know what plays
 constexpr bigtime_t kAddOnPatience = 1000000; // then it plays without waiting for add-ons any more
 // To load the player library keeps other libraries from being loaded, such as text converters: lyrics that are on their way come first.
 constexpr bigtime_t kLookTime = 200000;    // for an add-on to ask what plays
@@ -29,14 +37,17 @@ constexpr bigtime_t kSettleTime = 3000000; // from the start of a song to steady
 QuboApp::QuboApp(const CommandLine& line)
 	: BApplication(kQuboSignature),
 	  fLine(line),
-	  fEngine(fState, *this),
 	  fTags(fState, [this] { fWindow.SendMessage(kMsgPlayingChanged); }),
-	  fFrontEnd(fState, fEngine)
+	  fEngine(fState, *this),
+	  fDeck(fEngine),
+	  fFrontEnd(fDeck),
+	  fMayFollow(line.files.empty() && !line.follow && !line.noFollow)
 {
 	// The toolkit below takes over the user's locale; the player library insists on its numbers being C's.
 	setlocale(LC_NUMERIC, "C");
 	AddHandler(&fFrontEnd);
-	fEngine.SetVolume(fLine.volume);
+	fEngine.SetVolume(fLine.volume.value_or(kFullVolume));
+	fDeck.SetShift(fLine.shift ? *fLine.shift : int_setting(kShiftSetting, Deck::kUsualShift));
 }
 
 QuboApp::~QuboApp() = default;
@@ -50,8 +61,10 @@ QuboApp::ReadyToRun()
 		PostMessage(B_QUIT_REQUESTED);
 		return;
 	}
+	MakeFollower();
 	OpenWindow();
 	StartWatch();
+	MakeServer();
 	LoadAddOns();
 }
 
@@ -71,8 +84,28 @@ QuboApp::MessageReceived(BMessage* message)
 		case kMsgStartPlaying:
 			StartPlaying();
 			break;
+		case kMsgListChanged:
+			fEngine.ListChanged();
+			if (fServer != nullptr)
+				fServer->PlayingChanged();
+			fTags.Wake();
+			break;
+		case kMsgPlayingChanged:
+			if (fServer != nullptr)
+				fServer->PlayingChanged();
+			break;
+		case kMsgSought:
+			if (fServer != nullptr)
+				fServer->Sought();
+			break;
 		case kMsgSettled:
 			release_start_memory();
+			break;
+		case kMsgFollow:
+			FollowRqtd(message);
+			break;
+		case kMsgFollowingChanged:
+			FollowingChangedRqtd();
 			break;
 		case kMsgShowAddOn:
 		case kMsgAddOnPreferences:
@@ -81,6 +114,9 @@ QuboApp::MessageReceived(BMessage* message)
 			break;
 		case kMsgPlayingEnded:
 			PlayingEndedRqtd(message);
+			break;
+		case kMsgPlayFiles:
+			PlayFilesRqtd(message);
 			break;
 		case kMsgWatchFinished:
 			WatchFinishedRqtd(message);
@@ -127,17 +163,30 @@ QuboApp::AddFiles()
 {
 	for (const std::string& name : fLine.files) {
 		std::vector<std::string> paths;
-		if (!collect_media_files(name, paths))
+		if (!collect_media_files(name, paths)) {
 			Report(text(kTextCannotPlay, name, text(kTextReasonNotThere)));
+			if (fLine.explain) // which asks about each
+				fExitCode = 1;
+		}
 		for (const std::string& path : paths)
 			fState.Add(path);
 	}
 }
 
 void
+QuboApp::MakeFollower()
+{
+	const std::string folder
+		= fLine.lyricsFolder.empty() ? default_lyrics_folder() : fLine.lyricsFolder;
+	fFollower.reset(new Follower(fBus, {fLine.players, fLine.ignored, folder}, *this));
+	if (fLine.follow)
+		SetFollowing(true);
+}
+
+void
 QuboApp::OpenWindow()
 {
-	auto window = new PlayerWindow(fState, fEngine, fLine.volume);
+	auto window = new PlayerWindow(fDeck, fState, fLine.volume.value_or(kFullVolume));
 	fWindow = BMessenger(window);
 	window->Show();
 }
@@ -145,12 +194,34 @@ QuboApp::OpenWindow()
 void
 QuboApp::StartWatch()
 {
+	if (fLine.explain) {
+		auto explainer = new LyricsExplainer(fState, fDeck, BMessenger(this));
+		fWatch = BMessenger(explainer);
+		explainer->Run();
+	}
 	if (!fLine.print && fLine.snapshot.empty())
 		return;
 	LyricsWatch::Wish wish = {fLine.print, fLine.snapshot, fLine.snapshotTime};
-	auto watch = new LyricsWatch(fState, wish, BMessenger(this));
+	auto watch = new LyricsWatch(fDeck, wish, BMessenger(this));
 	fWatch = BMessenger(watch);
 	watch->Run();
+}
+
+void
+QuboApp::MakeServer()
+{
+	fServer.reset(new PlayerServer(fBus, fState, fEngine, *this));
+	UpdateServer();
+}
+
+/*!	On the bus only as what it is: not while it follows, or may do so at once. And programs that play unseen, of which there may be
+	many, are none that a media key could mean. */
+void
+QuboApp::UpdateServer()
+{
+	const bool isFollowing = fMayFollow || &fDeck.On() != static_cast<Transport*>(&fEngine);
+	if (fServer != nullptr)
+		fServer->SetOn(!isFollowing && !fLine.headless && !fQuitting);
 }
 
 //! After the window is there, whose frame add-ons ask for.
@@ -166,6 +237,10 @@ void
 QuboApp::AddOnsLoadedRqtd(BMessage* message)
 {
 	fWindow.SendMessage(message);
+	if (fLine.explain) {
+		fWatch.SendMessage(kMsgExplain);
+		return;
+	}
 	if (!message->HasString("name")) {
 		StartPlaying();
 		return;
@@ -185,6 +260,8 @@ QuboApp::StartPlayingIn(bigtime_t delay)
 void
 QuboApp::StartPlaying()
 {
+	if (fLine.explain)
+		return;
 	if (!std::exchange(fStarted, true) && !fQuitting && fState.CountEntries() > 0)
 		fEngine.Play(0, false, fLine.start);
 }
@@ -205,16 +282,149 @@ QuboApp::AddOnRqtd(BMessage* message)
 		fAddOns->ShowAbout(index);
 }
 
+//! Unanswered while it ends: the other process looks again, and may be the first one then.
+void
+QuboApp::PlayFilesRqtd(BMessage* message)
+{
+	if (fQuitting)
+		return;
+	if (message->HasString("path")) {
+		fStarted = true; // the new files rather than the first ones
+		fMayFollow = false;
+		UpdateServer();
+	}
+	if (message->IsSourceWaiting())
+		message->SendReply(B_REPLY); // before it goes on, and the reply with it
+	if (const char* player; message->FindString("player", &player) == B_OK) {
+		SetFollowing(true);
+		fFollower->Pin(player);
+	}
+	fWindow.SendMessage(message);
+}
+
+bool
+QuboApp::AnswerSession(const BMessage& request, BMessage& reply)
+{
+	if (request.what == kMsgExplain) {
+		std::string explanation;
+		const bool isWhole = explain_lyrics(fDeck, system_time() + kExplainTime, explanation);
+		reply = BMessage(B_REPLY);
+		reply.AddString("text", explanation.c_str());
+		reply.AddBool("ok", isWhole);
+		return true;
+	}
+	BMessage copy(request);
+	return request.what == kMsgPlayFiles
+		&& BMessenger(this).SendMessage(&copy, &reply, kRequestTime, kRequestTime) == B_OK
+		&& reply.what == B_REPLY;
+}
+
 void
 QuboApp::PlayingChanged()
 {
 	fWindow.SendMessage(kMsgPlayingChanged);
+	PostMessage(kMsgPlayingChanged);
 	fTags.Wake();
 	const int32 song = fState.CurrentIndex();
-	if (std::exchange(fSettling, song) == song)
-		return;
+	if (std::exchange(fSettling, song) != song)
+		Settle();
+}
+
+void
+QuboApp::Settle()
+{
 	BMessage settled(kMsgSettled);
 	BMessageRunner::StartSending(BMessenger(this), &settled, kSettleTime, 1);
+}
+
+void
+QuboApp::SetFollowing(bool on)
+{
+	fMayFollow = false;
+	if (on) {
+		fEngine.Stop();
+		fDeck.Switch(*fFollower);
+	} else
+		fDeck.Switch(fEngine);
+	fFollower->SetOn(on);
+	UpdateServer();
+	fWindow.SendMessage(kMsgPlayingChanged);
+}
+
+void
+QuboApp::FollowRqtd(BMessage* message)
+{
+	const bool on = message->GetBool("on", false);
+	int32 index;
+	SetFollowing(on);
+	fFollower->Pin(message->GetString("player", ""));
+	if (!on && message->FindInt32("play", &index) == B_OK)
+		fEngine.Play(index, false, message->GetInt64("start", 0));
+}
+
+void
+QuboApp::FollowingChanged()
+{
+	PostMessage(kMsgFollowingChanged);
+}
+
+void
+QuboApp::FollowingChangedRqtd()
+{
+	const Follower::Report report = fFollower->Tell();
+	if (fMayFollow && report.looked) {
+		fMayFollow = false;
+		if (!report.players.empty())
+			SetFollowing(true);
+		UpdateServer();
+	}
+	const std::string title = fFollower->State().Info().title;
+	if (std::exchange(fFollowedTitle, title) != title)
+		Settle();
+	BMessage message(kMsgFollowingChanged);
+	message.AddBool("on", report.on);
+	message.AddBool("seeks", report.seeks);
+	message.AddString("pinned", report.pinned.c_str());
+	message.AddString("text", report.text.c_str());
+	for (const std::string& player : report.players)
+		message.AddString("player", player.c_str());
+	fWindow.SendMessage(&message);
+	if (report.on)
+		fWindow.SendMessage(kMsgPlayingChanged);
+}
+
+void
+QuboApp::Sought()
+{
+	PostMessage(kMsgSought);
+}
+
+void
+QuboApp::RaiseAsked()
+{
+	fWindow.SendMessage(kMsgPlayFiles); // of which there are none
+}
+
+void
+QuboApp::QuitAsked()
+{
+	PostMessage(B_QUIT_REQUESTED);
+}
+
+void
+QuboApp::OpenAsked(const std::string& file)
+{
+	BMessage message(kMsgPlayFiles);
+	message.AddString("path", file.c_str());
+	PostMessage(&message);
+}
+
+void
+QuboApp::VolumeAsked(int32 percent)
+{
+	BMessage message(kMsgSetVolume);
+	message.AddInt32("volume", percent);
+	fWindow.SendMessage(&message);
 }
 
 void
@@ -305,6 +515,7 @@ QuboApp::BeginQuit()
 	if (std::exchange(fQuitting, true))
 		return;
 	fEngine.Stop();
+	UpdateServer();
 	if (fWatch.SendMessage(B_QUIT_REQUESTED) != B_OK)
 		PostMessage(kMsgWatchGone);
 	if (fAddOns != nullptr)

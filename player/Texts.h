@@ -17,6 +17,13 @@ enum TextKey {
 	kTextToStart,
 	kTextSofter,
 	kTextLouder,
+	kTextTimingMenu,
+	kTextLyricsEarlier,
+	kTextLyricsLater,
+	kTextUsualTiming,
+	kTextFollowMenu,
+	kTextFollowNone,
+	kTextFollowAny,
 	kTextAddOnsMenu,
 	kTextNoAddOns,
 	kTextShow,
@@ -26,12 +33,23 @@ enum TextKey {
 	kTextPause,
 	kTextPrevious,
 	kTextNext,
-	kTextVolume, // the percentage
+	kTextVolume,        // the percentage
+	kTextTiming,        // the ms
+	kTextTimingNotKept, // the ms
 	kTextDropHere,
 	kTextNoSound,
 	kTextCannotPlay,  // the file, the reason
 	kTextNoPlayer,    // the reason
 	kTextAddOnFailed, // the file, the reason
+	kTextFollowing,   // the player
+	kTextNoBus,
+	kTextNoneRunning,
+	kTextNotRunning,   // the player
+	kTextNoAnswer,     // the player
+	kTextPlaysNothing, // the player
+	kTextPlaysUnnamed, // the player
+	kTextNoPosition,   // the player
+	kTextNoFile,       // the player, the lyrics' file
 	kTextReasonNotThere,
 	kTextReasonList,
 	kTextReasonNoStart,
@@ -39,6 +57,23 @@ enum TextKey {
 	kTextReasonOtherVersion,
 	kTextReasonNoFactory,
 	kTextReasonNoPlugIn,
+	kTextTitle,           // the title
+	kTextEntry,           // its number, the file
+	kTextLyricsFile,      // the file
+	kTextEncodingGuessed, // its name
+	kTextEncodingChosen,  // its name
+	kTextLines,           // how many, with how many times
+	kTextNoTimes,
+	kTextMisspelt, // the file
+	kTextNoLyrics, // the reason
+	kTextReasonNoSong,
+	kTextReasonNoEntry,
+	kTextReasonNeither,    // the two files
+	kTextReasonUnreadable, // the file, the reason
+	kTextReasonFolder,
+	kTextReasonNotAllowed,
+	kTextReasonError, // its number
+	kTextReasonNoView,
 	kTextCount
 };
 
