@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The whole program under Xvfb: its start, a minute of steady playing, its memory.
+"""The whole program under Xvfb: its start, a minute of steady playing, its memory, and what it costs while nothing is to be done.
 
 usage: TAVORA_BUILD=build/bench python3 bench/program_bench.py [SECONDS]
 """
@@ -17,6 +17,10 @@ sys.path.insert(0, str(SOURCE / "tests" / "xvfb"))
 from screen import Program, Screen, wait_for  # noqa: E402
 
 STARTS = 9
+MEMORY_SECONDS = 4
+LOOKS = 15
+LOOK_SECONDS = 1
+SETTLE_SECONDS = 4  # what follows a start or an end of playing
 TICKS = os.sysconf("SC_CLK_TCK")
 
 
@@ -51,6 +55,41 @@ def start_times(screen, folder, song):
     return times
 
 
+def run_time(pid):
+    """CPU time of the process, of ended threads too, s: its clock, by the number that the system gives it."""
+    return time.clock_gettime(~pid << 3 | 2)
+
+
+def idle(pid, what):
+    """Other programs only add to it, by the caches that they take: so the least of many short looks counts too."""
+    shares = []
+    wakes, begin = wake_ups(pid), time.monotonic()
+    for _ in range(LOOKS):
+        cpu, start = run_time(pid), time.monotonic()
+        time.sleep(LOOK_SECONDS)
+        shares.append(100 * (run_time(pid) - cpu) / (time.monotonic() - start))
+    took = time.monotonic() - begin
+    print(f"{what}, {took:.0f} s: {statistics.median(shares):.2f} % of a core, at least {min(shares):.2f} %, "
+          f"{(wake_ups(pid) - wakes) / took:.0f} wake-ups/s")
+
+
+def measure_idleness(screen, pid):
+    lyrics, player = screen.wait_for_window("Lyrics"), screen.wait_for_window("Qubo")
+    screen.run("xdotool", "windowactivate", "--sync", player)
+    screen.run("xdotool", "key", "space")
+    time.sleep(SETTLE_SECONDS)
+    idle(pid, "paused, lyrics shown")
+    screen.run("xdotool", "windowactivate", "--sync", lyrics)
+    screen.run("xdotool", "key", "--clearmodifiers", "alt+F4")
+    wait_for(lambda: screen.window("Lyrics") is None, "the lyrics were hidden")
+    time.sleep(SETTLE_SECONDS)
+    idle(pid, "paused, lyrics hidden")
+    screen.run("xdotool", "windowactivate", "--sync", player)
+    screen.run("xdotool", "key", "space")
+    time.sleep(SETTLE_SECONDS)
+    idle(pid, "playing, lyrics hidden")
+
+
 def main():
     seconds = int(sys.argv[1]) if len(sys.argv) > 1 else 60
     songs = sorted((SOURCE / "demo").glob("*.ogg"))
@@ -65,12 +104,16 @@ def main():
         time.sleep(5)
         pid = program.process.pid
         cpu, wakes, begin = cpu_seconds(pid), wake_ups(pid), time.monotonic()
-        time.sleep(seconds)
+        memory = []
+        while time.monotonic() - begin < seconds:
+            time.sleep(MEMORY_SECONDS)
+            memory.append(memory_mb(pid))
         took = time.monotonic() - begin
-        resident, private = memory_mb(pid)
         print(f"steady playing, {took:.0f} s: {100 * (cpu_seconds(pid) - cpu) / took:.2f} % of a core, "
               f"{(wake_ups(pid) - wakes) / took:.0f} wake-ups/s")
-        print(f"memory: {resident:.0f} MB resident, {private:.0f} MB of it private")
+        for name, values in zip(("resident", "private"), zip(*memory)):
+            print(f"memory, {name}: median {statistics.median(values):.0f} MB, most {max(values):.0f} (at a song's start)")
+        measure_idleness(screen, pid)
         program.end()
     screen.close()
 

@@ -1,9 +1,12 @@
 # Sourced by run, test and .ci/run: Debian packages and build folders.
 
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
-	qt6-base-dev qt6-translations-l10n libgl-dev libxcb1-dev libmpv-dev libtag1-dev libarchive-dev libgtest-dev libgmock-dev
+	qt6-base-dev qt6-translations-l10n libgl-dev libxcb1-dev libmpv-dev libtag1-dev libsystemd-dev libarchive-dev libgtest-dev libgmock-dev
 	fonts-ipafont-gothic fonts-noto-color-emoji)
-TEST_PACKAGES=(python3 x11-apps clang-format-14 xvfb xauth openbox xdotool x11-utils dbus)
+TEST_PACKAGES=(python3 libglib2.0-bin x11-apps clang-format-14 xvfb xauth openbox xdotool x11-utils x11-xserver-utils dbus at-spi2-core
+	binutils desktop-file-utils appstream shared-mime-info mandoc groff-base mpv mpv-mpris)
+PACKAGE_PACKAGES=(dpkg-dev file gzip lintian)
+PACKAGE_TEST_PACKAGES=(file mmdebstrap xvfb x11-utils)
 FUZZ_PACKAGES=(clang-14 libclang-rt-14-dev)
 BENCH_PACKAGES=(libbenchmark-dev libsimpleini-dev)
 

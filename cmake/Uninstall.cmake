@@ -1,0 +1,21 @@
+# cmake -DMANIFEST=BUILD/install_manifest.txt -P Uninstall.cmake: removes what was installed, and the folders of our own
+# that it leaves empty. DESTDIR counts as it does for installing.
+if(NOT EXISTS "${MANIFEST}")
+	message(FATAL_ERROR "Nothing was installed from here: there is no ${MANIFEST}")
+endif()
+file(STRINGS "${MANIFEST}" files ENCODING UTF-8)
+set(folders)
+foreach(file IN LISTS files)
+	file(REMOVE "$ENV{DESTDIR}${file}")
+	get_filename_component(folder "${file}" DIRECTORY)
+	while(folder MATCHES "/qubo(/|$)")
+		list(APPEND folders "${folder}")
+		get_filename_component(folder "${folder}" DIRECTORY)
+	endwhile()
+endforeach()
+list(REMOVE_DUPLICATES folders)
+list(SORT folders ORDER DESCENDING)
+foreach(folder IN LISTS folders)
+	execute_process(COMMAND rmdir "$ENV{DESTDIR}${folder}" ERROR_QUIET) # refuses one that is not empty
+endforeach()
+file(REMOVE "${MANIFEST}")
