@@ -118,6 +118,22 @@ protected:
 		return fFolder.Write("image.ppm", ppm);
 	}
 
+	//! The first and the last column with something in the text's colour; first > last: none.
+	std::pair<int, int> TextColumns() const
+	{
+		const int width = fBitmap->Bounds().IntegerWidth() + 1;
+		std::pair<int, int> columns(width, -1);
+		for (int x = 0; x < width; x++) {
+			for (int y = 0; y <= fBitmap->Bounds().bottom; y++) {
+				if (At(x, y) == pixel_of(kWhite))
+					columns = {std::min(columns.first, x), x};
+			}
+		}
+		return columns;
+	}
+
+	float Width(const char* text) const { return fView->StringWidth(text); }
+
 	float FontHeight() const
 	{
 		BFont font;
@@ -208,19 +224,65 @@ TEST_F(DrawingTest, TextIsCentredInItsColour)
 	MakeView(200, 61);
 	PlayTo("song", 1000, "MMMMMM");
 	Draw();
-	int left = 200;
-	int right = -1;
-	for (int y = 0; y < 61; y++) {
-		for (int x = 0; x < 200; x++) {
-			if (At(x, y) == pixel_of(kWhite)) {
-				left = std::min(left, x);
-				right = std::max(right, x);
-			}
-		}
-	}
+	const auto [left, right] = TextColumns();
 	ASSERT_GE(right, left) << "no text at all";
 	EXPECT_NEAR(left + right, 199, 6);
 	EXPECT_EQ(Colors(), (std::set<uint32>{pixel_of(kBlue), pixel_of(kGreen), pixel_of(kWhite)}));
+}
+
+TEST_F(DrawingTest, TextOfAnySizeStaysInTheMiddleAndIsCutByTheEdges)
+{
+	const std::string line
+		= "a line that is wider than the window once its letters are large enough M";
+	Save("song.lrc", "[00:01]M" + line);
+	host().SetPlaylist({Song("song")});
+	gPref->fAntiAliasing = false;
+	MakeView(400, 101);
+	PlayTo("song", 1000, "M" + line);
+	int before = 0; // columns
+	for (const float size : {5, 8, 12, 24, 50}) {
+		gPref->fFontSize = size;
+		fView->PrefAppearanceChanged();
+		Draw();
+		const auto [left, right] = TextColumns();
+		EXPECT_NEAR(left + right, 399, 1 + size) << size;
+		const bool isCut = Width(("M" + line).c_str()) > 400;
+		EXPECT_EQ(isCut, size >= 12) << size;
+		EXPECT_GE(right - left, isCut ? 350 : before) << size;
+		before = right - left + 1;
+	}
+}
+
+TEST_F(DrawingTest, TextIsShapedAndAMissingFamilyIsTheDefaultOne)
+{
+	gPref->fFontFamily = "DejaVu Sans";
+	Save("song.lrc",
+		"[00:01]\u00e9t\u00e9\n[00:02]e\u0301te\u0301\n[00:03]\u05d0\u05d1 1\n[00:04]\u05d1\u05d0 "
+		"1");
+	host().SetPlaylist({Song("song")});
+	MakeView(120, 14); // one line
+	const auto picture = [&](int32 second, const char* text) {
+		PlayTo("song", second * 1000, text);
+		Draw();
+		return All();
+	};
+	const Pixels composed = picture(1, "\u00e9t\u00e9");
+	EXPECT_GT(Colors().size(), 2u) << "there is no text";
+	EXPECT_EQ(picture(2, "e\u0301te\u0301"), composed) << "marks stand beside their letters";
+	EXPECT_NE(picture(3, "\u05d0\u05d1 1"), picture(4, "\u05d1\u05d0 1"));
+	// joined letters, and people joined to one picture
+	EXPECT_LT(Width("\u0644\u0627"), Width("\u0644\u200c\u0627"));
+	EXPECT_EQ(Width("\U0001f469\u200d\U0001f469\u200d\U0001f467"), Width("\U0001f469"));
+
+	gPref->fFontFamily = "No Such Family";
+	fView->PrefAppearanceChanged();
+	const Pixels missing = picture(1, "\u00e9t\u00e9");
+	font_family family;
+	font_style style;
+	be_plain_font->GetFamilyAndStyle(&family, &style);
+	gPref->fFontFamily = family;
+	fView->PrefAppearanceChanged();
+	EXPECT_EQ(picture(1, "\u00e9t\u00e9"), missing);
 }
 
 TEST_F(DrawingTest, TilesStopBeforeAnEdgeThatTheyMeet)
@@ -302,6 +364,18 @@ TEST_F(DrawingTest, OverAnImageThereIsOnlyTheFrame)
 	fView->PrefAppearanceChanged();
 	Draw();
 	EXPECT_EQ(Colors(), (std::set<uint32>{pixel_of(kBlue), 0x010203, 0x040506}));
+
+	// It is tried again when it has become another file, even in the same second, and when it is wanted again.
+	fFolder.Write("broken.png", fFolder.Read("image.ppm"));
+	fView->PrefAppearanceChanged();
+	Draw();
+	EXPECT_FALSE(Colors().count(0x040506));
+	for (const bool isUsed : {false, true}) {
+		gPref->fUseBGImage = isUsed;
+		fView->PrefAppearanceChanged();
+		Draw();
+		EXPECT_NE(Colors().count(0x040506), isUsed);
+	}
 }
 
 TEST_F(DrawingTest, ThePreparedPictureIsTheOneDrawnAtOnce)

@@ -69,14 +69,7 @@ protected:
 		fWindow->Appear();
 	}
 
-	BRect Frame()
-	{
-		if (!fWindow->Lock())
-			return BRect();
-		const BRect frame = fWindow->Frame();
-		fWindow->Unlock();
-		return frame;
-	}
+	BRect Frame() { return frame_of(fWindow); }
 
 	bool IsHidden()
 	{

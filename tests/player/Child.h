@@ -66,6 +66,14 @@ public:
 		return true;
 	}
 
+	pid_t Process() const { return fProcess; }
+
+	bool HasExited() const
+	{
+		siginfo_t info = {};
+		return waitid(P_PID, fProcess, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
+	}
+
 	//! The exit status, 128 + signal if it was ended by one; -1 after `seconds`.
 	int WaitForExit(double seconds = 30)
 	{

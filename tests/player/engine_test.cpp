@@ -332,6 +332,30 @@ TEST_F(EngineTest, BeginsWithTheSongItIsToldTo)
 	EXPECT_FALSE(entry.played);
 }
 
+TEST_F(EngineTest, PlaysASongToItsEndBeforeAFileThatCannotBePlayed)
+{
+	AddWave("1.wav", 1.5);
+	AddText("2.wav", "no sound");
+	AddWave("3.wav", 0.5);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForPosition(500));
+	const bigtime_t start = Start();
+	ASSERT_TRUE(WaitForTitle("3.wav"));
+	EXPECT_GE(system_time() - start, 1480 * kMs); // all of the first was heard
+	EXPECT_THAT(fTold.failed, ElementsAre(1));
+}
+
+TEST_F(EngineTest, GoesOnToWhatIsAddedWhileTheLastSongPlays)
+{
+	AddWave("1.wav", 2);
+	fEngine.Play(0);
+	ASSERT_TRUE(WaitForTitle("1.wav"));
+	AddWave("2.wav", 0.5);
+	fEngine.ListChanged();
+	ASSERT_TRUE(WaitForTitle("2.wav"));
+	EXPECT_EQ(fTold.ended, 0);
+}
+
 TEST_F(EngineTest, PlaysWhatIsAddedLater)
 {
 	AddWave("1.wav", 0.3);

@@ -1,6 +1,8 @@
+#include "player/Deck.h"
 #include "player/Engine.h"
 #include "player/PlayerWindow.h"
 #include "player/player_messages.h"
+#include "player/settings.h"
 
 #include "WaveFile.h"
 #include "support/display.h"
@@ -13,10 +15,13 @@
 #include <Button.h>
 #include <Entry.h>
 #include <ListView.h>
+#include <MenuBar.h>
+#include <MenuItem.h>
 #include <Message.h>
 #include <MessageFilter.h>
 #include <QLineEdit>
 #include <QPushButton>
+#include <Slider.h>
 #include <StringItem.h>
 #include <StringView.h>
 
@@ -44,6 +49,7 @@ protected:
 	static void SetUpTestSuite()
 	{
 		setenv("QUBO_AO", "null", 1);
+		setenv("XDG_CONFIG_HOME", (sSettings / "").c_str(), 1);
 		setlocale(LC_NUMERIC, "C");
 	}
 
@@ -53,7 +59,7 @@ protected:
 			write_wave(fDir / name, 20);
 			fState.Add(fDir / name);
 		}
-		fWindow = new PlayerWindow(fState, fEngine, 50);
+		fWindow = new PlayerWindow(fDeck, fState, 50);
 		fListener.window = BMessenger(fWindow);
 		fWindow->Show();
 	}
@@ -99,10 +105,12 @@ protected:
 		return text;
 	}
 
+	static inline const TempFolder sSettings;
 	TempFolder fDir;
 	PlayState fState;
 	WindowTeller fListener;
 	Engine fEngine{fState, fListener};
+	Deck fDeck{fEngine};
 	PlayerWindow* fWindow;
 };
 
@@ -134,6 +142,25 @@ TEST_F(PlayerWindowTest, ObeysTheKeysOfAPlayer)
 	ASSERT_TRUE(wait_until([&] { return Info().positionMs >= 10000; }));
 	type_key(fWindow, Qt::Key_Home);
 	EXPECT_TRUE(wait_until([&] { return Info().positionMs < 5000; })) << Info().positionMs;
+}
+
+TEST_F(PlayerWindowTest, PlusAndMinusMoveTheLyricsAndItIsKept)
+{
+	const int32 usual = fDeck.Shift();
+	EXPECT_EQ(int_setting(kShiftSetting, 7), 7); // never saved
+	type_key(fWindow, Qt::Key_Plus);
+	type_key(fWindow, Qt::Key_Plus);
+	EXPECT_TRUE(wait_until([&] { return int_setting(kShiftSetting, 7) == usual + 20; }));
+	type_key(fWindow, Qt::Key_Minus);
+	EXPECT_TRUE(wait_until([&] { return int_setting(kShiftSetting, 7) == usual + 10; }));
+	EXPECT_EQ(fDeck.Shift(), usual + 10);
+	fDeck.SetShift(Deck::kLargestShift - 3);
+	type_key(fWindow, Qt::Key_Plus);
+	EXPECT_TRUE(wait_until([&] { return int_setting(kShiftSetting, 7) == Deck::kLargestShift; }));
+	sSettings.Write("Qubo/Qubo_Settings", "no settings");
+	EXPECT_EQ(int_setting(kShiftSetting, 7), 7);
+	EXPECT_EQ(set_int_setting(kShiftSetting, 8), B_OK);
+	EXPECT_EQ(int_setting(kShiftSetting, 7), 8);
 }
 
 TEST_F(PlayerWindowTest, PlaysTheSelectedLineAndTakesTheKeysBackFromTheList)
@@ -224,6 +251,38 @@ public:
 
 	std::atomic<bool> asked{false};
 };
+
+TEST_F(PlayerWindowTest, SaysWhatIsFollowedOrWhyThereIsNothing)
+{
+	BMessage report(kMsgFollowingChanged);
+	report.AddBool("on", true);
+	report.AddString("text", "nothing runs");
+	report.AddString("pinned", "b");
+	report.AddString("player", "a");
+	report.AddString("player", "b");
+	BMessenger(fWindow).SendMessage(&report);
+	settle(fWindow);
+	auto title = Find<BStringView>("Title");
+	auto volume = Find<BSlider>("Volume");
+	auto menus = Find<BMenuBar>("Menus");
+	fWindow->Lock();
+	EXPECT_STREQ(title->Text(), "nothing runs");
+	EXPECT_FALSE(volume->IsEnabled()); // the other player's is not ours
+	BMenu* follow = menus->SubmenuAt(2);
+	ASSERT_EQ(follow->CountItems(), 4);
+	EXPECT_EQ(follow->FindMarked(), follow->ItemAt(3));
+	BMenuItem* open = follow->ItemAt(2);
+	fWindow->Unlock();
+
+	report.ReplaceBool("on", false);
+	BMessenger(fWindow).SendMessage(&report);
+	settle(fWindow);
+	fWindow->Lock();
+	EXPECT_EQ(follow->ItemAt(2), open); // the same players: the menu is left alone
+	EXPECT_EQ(follow->FindMarked(), follow->ItemAt(0));
+	EXPECT_TRUE(volume->IsEnabled());
+	fWindow->Unlock();
+}
 
 TEST_F(PlayerWindowTest, ItsCloseButtonAsksTheApplication)
 {

@@ -1,6 +1,7 @@
 #include "Child.h"
 #include "WaveFile.h"
 #include "support/temp_folder.h"
+#include "support/wait_until.h"
 
 #include <File.h>
 #include <Message.h>
@@ -48,6 +49,36 @@ protected:
 			{"XDG_CONFIG_HOME", Path("config")}, {"XDG_RUNTIME_DIR", fDir.Path()},
 			{"LC_ALL", "C.UTF-8"}, {"LANGUAGE", ""}});
 		return Child(words, environment);
+	}
+
+	void InstallAddOn() { std::filesystem::copy_file(ADD_ON, AddOns() + "/gen_TavoraD.so"); }
+
+	//! As a desktop starts it, with the windows on no screen: it shares the session of this test.
+	std::unique_ptr<Child> StartInSession(const std::vector<std::string>& arguments)
+	{
+		std::vector<std::string> words = {QUBO};
+		words.insert(words.end(), arguments.begin(), arguments.end());
+		const std::map<std::string, std::string> environment
+			= {{"QUBO_AO", "null"}, {"HOME", fDir.Path()}, {"XDG_CONFIG_HOME", Path("config")},
+				{"XDG_RUNTIME_DIR", fDir.Path()}, {"LC_ALL", "C.UTF-8"}, {"LANGUAGE", ""},
+				{"QT_QPA_PLATFORM", "offscreen"}, {"DBUS_SESSION_BUS_ADDRESS", "unix:path=/none"}};
+		return std::make_unique<Child>(words, environment);
+	}
+
+	//! Until the running one plays that file.
+	bool WaitUntilPlays(const std::string& file)
+	{
+		std::string said;
+		const bool plays = wait_until(
+			[&] {
+				const auto child = StartInSession({"--explain"});
+				child->WaitForExit();
+				said = child->output + child->errors;
+				return child->output.find(": " + file + "\n") != std::string::npos;
+			},
+			std::chrono::seconds(30));
+		EXPECT_TRUE(plays) << said;
+		return plays;
 	}
 
 	//! What the probe noted.
@@ -198,6 +229,18 @@ TEST_F(Program, PrintsEachLineWithItsTime)
 		EXPECT_EQ(numbers[i], numbers[i - 1] + 1);
 }
 
+TEST_F(Program, ShiftsThePositionWithinTheSong)
+{
+	InstallProbe(); // a line is 500 ms
+	Wave("1.wav", 1);
+	Child early = Start({"--headless", "--print", "--shift", "5000", Path("1.wav")});
+	EXPECT_EQ(early.WaitForExit(), 0) << early.errors;
+	EXPECT_EQ(early.output, "[00:01.00] line 2\n");
+	Child late = Start({"--headless", "--print", "--shift=-5000", Path("1.wav")});
+	EXPECT_EQ(late.WaitForExit(), 0) << late.errors;
+	EXPECT_EQ(late.output, "[00:00.00] line 0\n");
+}
+
 TEST_F(Program, SavesAPictureOfTheLyricsWindow)
 {
 	InstallProbe();
@@ -248,7 +291,7 @@ TEST_F(Program, EndsInOrderWithinASecondOnASignal)
 
 TEST_F(Program, EndsWellWheneverItIsAskedTo)
 {
-	std::filesystem::copy_file(ADD_ON, AddOns() + "/gen_TavoraD.so");
+	InstallAddOn();
 	Wave("1.wav", 20);
 	Text("1.lrc", "[00:00.00]one\n[00:00.20]two\n[00:00.40]three\n");
 	int saved = 0;
@@ -277,6 +320,103 @@ TEST_F(Program, EndsWellWheneverItIsAskedTo)
 	EXPECT_GT(saved, 0);
 	std::sort(times.begin(), times.end());
 	EXPECT_LT(times[times.size() / 2], 1); // a busy machine may be slow, but not always
+}
+
+TEST_F(Program, ExplainsWhereTheLyricsComeFrom)
+{
+	InstallAddOn();
+	Text("sjis.lrc", "[00:01]\x83\x65\x83\x58\x83\x67\n[00:02]\x8e\x8c\n");
+	Text("words.txt", "no times\nat all");
+	Text("capital.Lrc", "[00:01]one");
+	std::filesystem::create_directory(Path("folder.lrc"));
+	Child child = Start({"--explain", Wave("sjis.wav", 0.1, "Title"), Wave("words.wav", 0.1),
+		Wave("capital.wav", 0.1), Wave("folder.wav", 0.1)});
+	EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
+	EXPECT_EQ(child.output,
+		"Title: Band - Title\nEntry 1: " + Path("sjis.wav") + "\nLyrics: " + Path("sjis.lrc")
+			+ "\nEncoding: Shift-JIS, recognised by the text\nLines: 2, at 2 different times\n"
+			+ "\nTitle: words.wav\nEntry 2: " + Path("words.wav") + "\nLyrics: " + Path("words.txt")
+			+ "\nEncoding: UTF-8, recognised by the text\n" + "Lines: 2, at 0 different times\n"
+			+ "No line has a time: the first one stays highlighted.\n"
+			+ "\nTitle: capital.wav\nEntry 3: " + Path("capital.wav")
+			+ "\nNo lyrics: beside the song there is neither capital.lrc nor capital.txt\n"
+			+ "capital.Lrc is there, but in such a name capitals count\n"
+			+ "\nTitle: folder.wav\nEntry 4: " + Path("folder.wav")
+			+ "\nNo lyrics: " + Path("folder.lrc") + " cannot be read: it is a folder\n");
+	std::filesystem::remove(AddOns() + "/gen_TavoraD.so");
+	Child bare = Start({"--explain", Path("sjis.wav"), Path("none.wav")});
+	EXPECT_EQ(bare.WaitForExit(), 1);
+	EXPECT_THAT(bare.output, HasSubstr("No lyrics: no add-on shows lyrics"));
+	EXPECT_THAT(bare.errors, HasSubstr("none.wav"));
+	EXPECT_EQ(StartInSession({"--explain"})->WaitForExit(), 1);
+}
+
+TEST_F(Program, HandsItsFilesToTheOneThatRuns)
+{
+	const std::string song = Wave("1.wav", 60);
+	const std::string other = Wave("曲 #2 %41.wav", 60);
+	const auto first = StartInSession({song});
+	ASSERT_TRUE(WaitUntilPlays(song)) << first->errors;
+
+	std::filesystem::create_directory(Path("folder"));
+	const auto second = StartInSession({Path("folder/../曲 #2 %41.wav"), song});
+	EXPECT_EQ(second->WaitForExit(), 0) << second->errors;
+	EXPECT_TRUE(WaitUntilPlays(other));
+	const auto missing = StartInSession({Path("none.wav")});
+	EXPECT_EQ(missing->WaitForExit(), 1);
+	EXPECT_THAT(missing->errors, HasSubstr("none.wav"));
+
+	// more than a port takes at a time
+	const std::string last = Wave(std::string(200, 'x') + ".wav", 60);
+	std::vector<std::string> many(3000, song);
+	many[0] = last;
+	const auto big = StartInSession(many);
+	EXPECT_EQ(big->WaitForExit(), 0) << big->errors;
+	EXPECT_TRUE(WaitUntilPlays(last));
+
+	EXPECT_FALSE(first->HasExited());
+	first->Kill(SIGTERM);
+	EXPECT_EQ(first->WaitForExit(), 0) << first->errors;
+}
+
+TEST_F(Program, PlaysItselfWhenTheFirstOneIsDeadOrDeaf)
+{
+	const std::string song = Wave("1.wav", 60);
+	const std::string other = Wave("2.wav", 60);
+	const auto crashed = StartInSession({song});
+	ASSERT_TRUE(WaitUntilPlays(song)) << crashed->errors;
+	crashed->Kill(SIGKILL);
+	EXPECT_EQ(crashed->WaitForExit(), 128 + SIGKILL);
+	const auto next = StartInSession({other});
+	EXPECT_TRUE(WaitUntilPlays(other));
+	next->Kill(SIGSTOP);
+	const auto alone = StartInSession({song});
+	EXPECT_FALSE(wait_until([&] { return alone->HasExited(); }, std::chrono::seconds(5)));
+	alone->Kill(SIGTERM);
+	EXPECT_EQ(alone->WaitForExit(), 0) << alone->errors;
+	next->Kill(SIGCONT);
+	EXPECT_TRUE(WaitUntilPlays(other)) << "it has taken what the other one played itself";
+	next->Kill(SIGTERM);
+	EXPECT_EQ(next->WaitForExit(), 0) << next->errors;
+}
+
+TEST_F(Program, OneOfSeveralThatStartAtOnceStays)
+{
+	const std::string song = Wave("1.wav", 60);
+	std::vector<std::unique_ptr<Child>> children;
+	for (int i = 0; i < 5; i++)
+		children.push_back(StartInSession({song}));
+	const auto still_there = [&] {
+		return std::count_if(
+			children.begin(), children.end(), [](auto& child) { return !child->HasExited(); });
+	};
+	EXPECT_TRUE(wait_until([&] { return still_there() == 1; }, std::chrono::seconds(30)));
+	EXPECT_TRUE(WaitUntilPlays(song));
+	EXPECT_EQ(still_there(), 1);
+	for (auto& child : children) {
+		child->Kill(SIGTERM);
+		EXPECT_EQ(child->WaitForExit(), 0) << child->errors;
+	}
 }
 
 } // namespace

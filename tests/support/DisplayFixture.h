@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Window.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -20,6 +21,17 @@
 #include "support/ScriptedHost.h"
 #include "support/temp_folder.h"
 #include "support/wait_until.h"
+
+//! Empty when the window is gone.
+inline BRect
+frame_of(BWindow* window)
+{
+	if (!window->Lock())
+		return BRect();
+	const BRect frame = window->Frame();
+	window->Unlock();
+	return frame;
+}
 
 /*!	What a test of the display needs: the add-on's singletons, a host, and a folder with the songs' lyrics. */
 class DisplayFixture : public testing::Test {

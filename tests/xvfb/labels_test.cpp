@@ -239,7 +239,10 @@ TEST(Labels, FollowTheAcceleratorsAndTheLanguageEverywhere)
 {
 	ASSERT_TRUE(load_shipped_language("English"));
 	ASSERT_TRUE(wait_until([] { return has_window("Qubo") && has_window("Lyrics"); }));
-	ASSERT_TRUE(choose_in_player_menu({"Add-ons", "Tavora Displayer", "About…"}));
+	// The player hears of its add-ons after they have shown themselves.
+	ASSERT_TRUE(wait_until([] {
+		return choose_in_player_menu({"Add-ons", "Tavora Displayer", "About…"});
+	}));
 	ASSERT_TRUE(wait_until([] { return has_window("About Tavora Displayer"); }));
 	EXPECT_TRUE(wait_until([] { return says("About", "OK (O)"); }))
 		<< names_in("About").join('|').toStdString();

@@ -1,4 +1,4 @@
-#include "support/display.h"
+#include "support/LoggingWindow.h"
 
 #include "server/ServerList.h"
 #include "server/ServerSlider.h"
@@ -29,9 +29,9 @@ using namespace BPrivate;
 namespace {
 
 //! Writes down what its controls send.
-class ControlWindow : public BWindow {
+class ControlWindow : public LoggingWindow {
 public:
-	ControlWindow() : BWindow(BRect(100, 100, 399, 399), "controls", B_TITLED_WINDOW, 0) { }
+	ControlWindow() : LoggingWindow(BRect(100, 100, 399, 399), "controls", B_TITLED_WINDOW, 0) { }
 
 	void MessageReceived(BMessage* message) override
 	{
@@ -40,16 +40,11 @@ public:
 			case 'done':
 			case 'slct':
 			case 'invk': {
-				std::string line;
-				for (int shift = 24; shift >= 0; shift -= 8)
-					line += char(message->what >> shift);
+				std::string line = TextOf(message, " ");
 				int32 value;
-				if (message->FindInt32("be:value", &value) == B_OK)
-					line += " " + std::to_string(value);
 				for (int32 i = 0; message->FindInt32("index", i, &value) == B_OK; i++)
 					line += " " + std::to_string(value);
-				std::lock_guard lock(fMutex);
-				fLog += line + "; ";
+				Note(line + "; ");
 				break;
 			}
 			case B_SIMPLE_DATA: {
@@ -61,17 +56,8 @@ public:
 				BWindow::MessageReceived(message);
 		}
 	}
-	//! What has come since the last time: first the control's event, then what the control sends.
-	std::string Take()
-	{
-		settle(this);
-		settle(this);
-		std::lock_guard lock(fMutex);
-		return std::exchange(fLog, std::string());
-	}
 
 	std::mutex fMutex;
-	std::string fLog;
 	BMessage fDropped;
 };
 

@@ -1,7 +1,6 @@
-#include "support/display.h"
+#include "DialogControls.h"
 
 #include "server/ServerBox.h"
-#include "server/ServerMenuField.h"
 #include "server/ServerRadio.h"
 #include "server/ServerTabs.h"
 #include "server/ServerText.h"
@@ -11,145 +10,15 @@
 #include <CheckBox.h>
 #include <MenuBar.h>
 #include <MenuField.h>
-#include <MenuItem.h>
 #include <Message.h>
 #include <PopUpMenu.h>
 #include <QAccessible>
-#include <QApplication>
 #include <RadioButton.h>
 #include <TabView.h>
 #include <TextControl.h>
 #include <TextView.h>
 #include <atomic>
-#include <mutex>
 #include <string>
-
-using namespace BPrivate;
-
-namespace {
-
-//! Writes down the four characters of what its controls send, and the value.
-class LogWindow : public BWindow {
-public:
-	LogWindow() : BWindow(BRect(100, 100, 499, 399), "controls", B_TITLED_WINDOW, 0) { }
-
-	void MessageReceived(BMessage* message) override
-	{
-		if (message->what < 'aaaa' || message->what > 'zzzz') {
-			BWindow::MessageReceived(message);
-			return;
-		}
-		std::lock_guard lock(fMutex);
-		for (int shift = 24; shift >= 0; shift -= 8)
-			fLog += char(message->what >> shift);
-		int32 value;
-		if (message->FindInt32("be:value", &value) == B_OK)
-			fLog += std::to_string(value);
-		fLog += " ";
-	}
-
-	bool QuitRequested() override
-	{
-		std::lock_guard lock(fMutex);
-		fLog += "quit ";
-		return false;
-	}
-
-	//! What has come since the last time: first the control's event, then what the control sends.
-	std::string Take()
-	{
-		settle(this);
-		settle(this);
-		std::lock_guard lock(fMutex);
-		return std::exchange(fLog, std::string());
-	}
-
-	std::mutex fMutex;
-	std::string fLog;
-};
-
-class DialogControls : public testing::Test {
-protected:
-	template<typename View> View* Add(View* view, BView* parent = NULL)
-	{
-		fWindow->Lock();
-		parent != NULL ? parent->AddChild(view) : fWindow->AddChild(view);
-		fWindow->Unlock();
-		return view;
-	}
-	void Show()
-	{
-		fWindow->Show();
-		// before that no control can have the focus
-		EXPECT_TRUE(wait_until([this] {
-			return on_server(fWindow, [](ServerWindow& server) { return server.isActiveWindow(); });
-		}));
-		settle(fWindow);
-	}
-	template<typename Function> void Locked(Function function)
-	{
-		fWindow->Lock();
-		function();
-		fWindow->Unlock();
-		if (!fWindow->IsHidden())
-			settle(fWindow);
-	}
-
-	WindowHolder<LogWindow> fWindow;
-};
-
-std::string
-spoken(const BView* view, QAccessible::Text which = QAccessible::Name)
-{
-	return on_widget<QWidget>(view, [which](QWidget& widget) {
-		return QAccessible::queryAccessibleInterface(&widget)->text(which).toStdString();
-	});
-}
-
-//! Of a widget whose name is its value.
-std::string
-label_of(const BView* view)
-{
-	return on_widget<QWidget>(view, [](QWidget& widget) {
-		const auto labels
-			= QAccessible::queryAccessibleInterface(&widget)->relations(QAccessible::Label);
-		return labels.size() == 1 ? labels[0].first->text(QAccessible::Name).toStdString() : "";
-	});
-}
-
-void
-press_keys(const BView* view, const QString& keys)
-{
-	on_widget<QWidget>(view, [keys](QWidget& widget) {
-		QTest::keyClicks(&widget, keys);
-		return true;
-	});
-}
-
-void
-press_key(const BView* view, Qt::Key key)
-{
-	on_widget<QWidget>(view, [key](QWidget& widget) {
-		QTest::keyClick(&widget, key);
-		return true;
-	});
-}
-
-bool
-has_focus(const BView* view)
-{
-	return on_widget<QWidget>(view, [](QWidget& widget) {
-		return widget.hasFocus() || (widget.focusProxy() && widget.focusProxy()->hasFocus());
-	});
-}
-
-BView*
-input_of(BTextControl* control)
-{
-	return control->TextView();
-}
-
-} // namespace
 
 class Radios : public DialogControls {
 protected:
@@ -426,80 +295,6 @@ TEST_F(DialogControls, LongTextIsReadOnly)
 	EXPECT_FALSE(on_widget<ServerTextArea>(view, [](ServerTextArea& area) {
 		return area.HeightFor(150) <= area.HeightFor(2000);
 	})) << "its lines are not broken";
-}
-
-class MenuFields : public DialogControls {
-protected:
-	MenuFields()
-	{
-		auto* menu = new BPopUpMenu("choose");
-		menu->AddItem(new BMenuItem("日本語 & more", new BMessage('item')));
-		menu->AddItem(new BMenuItem("English", new BMessage('item')));
-		menu->AddSeparatorItem();
-		auto* below = new BMenu("More");
-		below->AddItem(new BMenuItem("Español", new BMessage('less')));
-		menu->AddItem(below);
-		fField = Add(new BMenuField(BRect(10, 10, 209, 34), "field", "Language", menu));
-		Show();
-	}
-
-	std::string Shown() { return spoken(fField->MenuBar(), QAccessible::Value); }
-	template<typename Function> bool WithMenu(Function function)
-	{
-		return wait_until([=] {
-			return *ServerLink::Default().Call([=] {
-				auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-				if (menu != nullptr)
-					function(*menu);
-				return menu != nullptr;
-			});
-		});
-	}
-
-	BMenuField* fField;
-};
-
-TEST_F(MenuFields, AreOperatedByKeysAndShowWhatIsMarked)
-{
-	EXPECT_EQ(Shown(), "choose");
-	Locked([this] {
-		fField->MakeFocus();
-		fField->Menu()->ItemAt(0)->SetMarked(true);
-	});
-	EXPECT_EQ(Shown(), "日本語 & more");
-	EXPECT_EQ(fWindow->Take(), "");
-	type_key(fWindow, Qt::Key_Space);
-	EXPECT_TRUE(WithMenu([](QMenu& menu) {
-		EXPECT_TRUE(menu.actions()[0]->isChecked());
-		EXPECT_TRUE(menu.actions()[2]->isSeparator());
-		QTest::keyClick(&menu, Qt::Key_Down);
-		QTest::keyClick(&menu, Qt::Key_Return);
-	}));
-	EXPECT_EQ(fWindow->Take(), "item ");
-	EXPECT_EQ(Shown(), "English");
-	Locked([this] { EXPECT_STREQ(fField->MenuItem()->Label(), "English"); });
-	type_key(fWindow, Qt::Key_Down);
-	EXPECT_TRUE(WithMenu([](QMenu& menu) {
-		QTest::keyClick(&menu, Qt::Key_Down);
-		QTest::keyClick(&menu, Qt::Key_Right);
-		QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
-	}));
-	EXPECT_EQ(fWindow->Take(), "less ") << "of a sub-menu";
-	EXPECT_EQ(Shown(), "English");
-
-	float width;
-	float wider;
-	Locked([&] {
-		fField->GetPreferredSize(&width, NULL);
-		fField->Menu()->AddItem(new BMenuItem("a label that is very long indeed", NULL));
-		fField->GetPreferredSize(&wider, NULL);
-		fField->SetEnabled(false);
-	});
-	EXPECT_GT(wider, width + 50);
-	type_key(fWindow, Qt::Key_Space);
-	EXPECT_EQ(
-		*ServerLink::Default().Call([] { return QApplication::activePopupWidget(); }), nullptr)
-		<< "it is disabled";
 }
 
 namespace {

@@ -303,6 +303,13 @@ TEST(Translation, PicturesAreReadAndOthersRefused)
 		std::string_view(
 			"\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\xea\x60\0\0\xea\x60\x08\x02\0\0\0", 29));
 
+	// of 400 million pixels
+	folder.Write("large.png",
+		std::string_view(
+			"\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\x4e\x20\0\0\x4e\x20\x08\x02\0\0\0", 29));
+	ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
+	ASSERT_EQ(mkdir((folder / "folder.png").c_str(), 0700), 0);
+
 	const auto load = [&](const char* name) {
 		return std::unique_ptr<BBitmap>(BTranslationUtils::GetBitmap((folder / name).c_str()));
 	};
@@ -318,7 +325,8 @@ TEST(Translation, PicturesAreReadAndOthersRefused)
 	bitmap = load("wide.png");
 	ASSERT_TRUE(bitmap != nullptr);
 	EXPECT_EQ(bitmap->Bounds().Width(), 8191);
-	for (const char* bad : {"broken.png", "empty.png", "huge.png", "missing.png"})
+	for (const char* bad : {"broken.png", "empty.png", "huge.png", "large.png", "missing.png",
+			 "pipe.png", "folder.png"})
 		EXPECT_EQ(load(bad), nullptr) << bad;
 	EXPECT_EQ(BTranslationUtils::GetBitmap(static_cast<const char*>(NULL)), nullptr);
 }

@@ -1,0 +1,10 @@
+// The main program of tests without an application.
+
+#include <gtest/gtest.h>
+
+int
+main(int argc, char** argv)
+{
+	testing::InitGoogleTest(&argc, argv);
+	return RUN_ALL_TESTS();
+}
