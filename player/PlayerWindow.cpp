@@ -54,7 +54,9 @@ constexpr float kMinHeight = 300;
 constexpr float kSpace = 8;
 constexpr float kTimeWidth = 110;
 constexpr float kVolumeWidth = 130;
-constexpr bigtime_t kPulse = 200000;
+// The time is looked at when its next second is due, and every second while it stands still.
+constexpr bigtime_t kPulse = 1000000;
+constexpr bigtime_t kShortestPulse = 50000; // where a position waits just before a second
 constexpr bigtime_t kSeekStep = 5000000;
 constexpr int32 kVolumeStep = 5;
 constexpr int32 kShiftStep = 10;       // ms
@@ -106,8 +108,8 @@ PlayerWindow::PlayerWindow(Deck& deck, PlayState& list, int32 volume)
 	SetSizeLimits(kMinWidth, 32767, kMinHeight, 32767);
 	fVolume->SetValue(volume);
 	TakeKeysBack();
-	UpdateAll();
 	fPulse.reset(new BMessageRunner(BMessenger(this), BMessage(kMsgPulse), kPulse));
+	UpdateAll();
 }
 
 PlayerWindow::~PlayerWindow()
@@ -263,7 +265,9 @@ PlayerWindow::MessageReceived(BMessage* message)
 {
 	switch (message->what) {
 		case kMsgPulse:
+		case kMsgSought:
 			UpdatePosition();
+			SetNextPulse();
 			break;
 		case kMsgPlayingChanged:
 			UpdateAll();
@@ -612,9 +616,20 @@ PlayerWindow::UpdateAll()
 	fPlay->SetLabel(text(info.state == PlayState::kPlaying ? kTextPause : kTextPlay));
 	UpdateList();
 	UpdatePosition();
+	SetNextPulse();
 }
 
-//!	The bar moves with the seconds: to draw it at every pulse would cost as much as a tick of the lyrics.
+void
+PlayerWindow::SetNextPulse()
+{
+	const QuboInfo info = fDeck.State().Info();
+	bigtime_t interval = kPulse;
+	if (info.state == PlayState::kPlaying)
+		interval = std::max(kPulse - info.positionMs * bigtime_t(1000) % kPulse, kShortestPulse);
+	fPulse->SetInterval(interval);
+}
+
+//!	The bar moves with the seconds: to draw it more often would cost as much as a tick of the lyrics.
 void
 PlayerWindow::UpdatePosition()
 {

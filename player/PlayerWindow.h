@@ -61,6 +61,7 @@ private:
 
 	void UpdateAll();
 	void UpdatePosition();
+	void SetNextPulse();
 	void UpdateList();
 
 	Deck& fDeck;

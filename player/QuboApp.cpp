@@ -396,6 +396,7 @@ QuboApp::FollowingChangedRqtd()
 void
 QuboApp::Sought()
 {
+	fWindow.SendMessage(kMsgSought);
 	PostMessage(kMsgSought);
 }
 

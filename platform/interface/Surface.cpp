@@ -25,6 +25,7 @@ Surface::SetImage(QImage image)
 {
 	Finish();
 	fImage = std::move(image);
+	fScale = fImage.devicePixelRatio();
 	const QSizeF size = fImage.deviceIndependentSize();
 	fSize = QSize(std::floor(size.width() + 0.001), std::floor(size.height() + 0.001));
 }

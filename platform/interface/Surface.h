@@ -23,12 +23,12 @@ public:
 
 	//! Takes a blank image; what was drawn is lost.
 	void SetImage(QImage image);
-	bool IsNull() const { return fImage.isNull(); }
+	bool IsNull() const { return fSize.isEmpty(); }
 	const QImage& Image() const { return fImage; }
 	//! For a bitmap's: where its pixels are.
 	uchar* Bits() { return fImage.bits(); }
 	QSize Size() const { return fSize; }
-	float Scale() const { return fImage.devicePixelRatio(); }
+	float Scale() const { return fScale; }
 
 	/*!	The painter, cut to `clip` (in the window's coordinates) and moved so that 0, 0 is `origin`.
 		The image counts as drawn into from now on. */
@@ -52,6 +52,7 @@ private:
 	QImage fImage;
 	QImage fSpare;
 	QSize fSize;
+	float fScale = 1;
 	std::unique_ptr<QPainter> fPainter;
 	std::thread::id fThread;
 	QRegion fClip;

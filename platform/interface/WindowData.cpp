@@ -249,6 +249,8 @@ WindowData::ViewGone(BView* view)
 void
 WindowData::DeliverFrameEvents()
 {
+	if (frameEvents.empty())
+		return;
 	const std::vector<BView*> views = std::exchange(frameEvents, {});
 	for (BView* view : views) {
 		if (view->Window() == window)

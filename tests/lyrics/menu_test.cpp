@@ -195,6 +195,14 @@ protected:
 
 	BRect Frame() { return frame_of(fWindow); }
 
+	float HeightOfLines(int32 count)
+	{
+		fWindow->Lock();
+		const float height = fView->HeightOfLines(count);
+		fWindow->Unlock();
+		return height;
+	}
+
 	void Play(const char* title, int32 positionMs, const std::string& line)
 	{
 		host().Play(title, positionMs);
@@ -337,10 +345,9 @@ TEST_F(MenuTest, PlacesAndSizesAtOnce)
 		fWindow->PostMessage(kPrefAppearanceChanged);
 		settle(fWindow);
 		for (const auto& [key, lines] : kSizes) {
+			const float height = HeightOfLines(lines);
 			EXPECT_TRUE(leadsTo("PopMItem_Size", key,
-				[&](BRect frame) {
-					return std::fabs(frame.Height() - fView->HeightOfLines(lines)) <= 1;
-				}))
+				[&](BRect frame) { return std::fabs(frame.Height() - height) <= 1; }))
 				<< fontSize << ", " << lines << " lines";
 		}
 	}

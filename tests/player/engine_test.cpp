@@ -394,7 +394,7 @@ TEST(EngineEnd, ComesAtOnceWhateverItDoes)
 {
 	setenv("QUBO_AO", "null", 1);
 	TempFolder dir;
-	write_wave(dir.Path() + "/1.wav", 0.2);
+	write_wave(dir.Path() + "/1.wav", 2); // the end of a list is heard, so none is near
 	std::mt19937 random(7);
 	constexpr int kRounds = 25;
 	bigtime_t total = 0;
@@ -414,7 +414,7 @@ TEST(EngineEnd, ComesAtOnceWhateverItDoes)
 		}
 		total += system_time() - start;
 	}
-	EXPECT_LT(total, kRounds * kSecond / 2);
+	EXPECT_LT(total, kRounds * kSecond / 4);
 }
 
 } // namespace

@@ -75,23 +75,40 @@ public:
 		});
 	}
 
+	/*!	Opens the menu of a field by the space bar. A field whose window loses the focus opens none, and one may have lost it to a box or
+		a menu that was closed just before: then the key is pressed again, as anybody would. */
+	void OpenMenu(const BMenuField* field)
+	{
+		bool isOpen = false;
+		for (int attempt = 0; attempt < 10 && !isOpen; attempt++) {
+			Activate();
+			on_widget<QComboBox>(field->MenuBar(), [](QComboBox& box) {
+				QTest::keyClick(&box, Qt::Key_Space);
+				return true;
+			});
+			isOpen = wait_until(
+				[] {
+					return *BPrivate::ServerLink::Default().Call([] {
+						return qobject_cast<QMenu*>(QApplication::activePopupWidget()) != nullptr;
+					});
+				},
+				std::chrono::seconds(2));
+		}
+		ASSERT_TRUE(isOpen) << "the menu did not open";
+	}
+
 	//! Opens the menu and chooses its item; separators count.
 	void Choose(const BMenuField* field, int index)
 	{
-		on_widget<QComboBox>(field->MenuBar(), [](QComboBox& box) {
-			QTest::keyClick(&box, Qt::Key_Space);
+		OpenMenu(field);
+		EXPECT_TRUE(*BPrivate::ServerLink::Default().Call([index] {
+			auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+			if (menu == nullptr || index >= menu->actions().size())
+				return false;
+			menu->setActiveAction(menu->actions()[index]);
+			QTest::keyClick(menu, Qt::Key_Return);
 			return true;
-		});
-		EXPECT_TRUE(wait_until([index] {
-			return *BPrivate::ServerLink::Default().Call([index] {
-				auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-				if (menu == nullptr || index >= menu->actions().size())
-					return false;
-				menu->setActiveAction(menu->actions()[index]);
-				QTest::keyClick(menu, Qt::Key_Return);
-				return true;
-			});
-		})) << "the menu did not open";
+		})) << "no item of that index";
 		Settle();
 	}
 

@@ -46,32 +46,24 @@ protected:
 	//! What the sub-menu at that place of the option menu says, joined by semicolons; chooses `label`, if there is one.
 	std::string ChooseBelow(int index, const char* label)
 	{
-		on_widget<QComboBox>(fOption->MenuBar(), [](QComboBox& box) {
-			QTest::keyClick(&box, Qt::Key_Space);
-			return true;
+		OpenMenu(fOption);
+		const QString says = *BPrivate::ServerLink::Default().Call([=]() -> QString {
+			auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+			if (menu == nullptr)
+				return {};
+			QStringList labels;
+			QAction* chosen = nullptr;
+			const QList<QAction*> actions = menu->actions()[index]->menu()->actions();
+			for (QAction* action : actions) {
+				labels << action->text();
+				if (action->text() == label && action->isEnabled())
+					chosen = action;
+			}
+			menu->close();
+			if (chosen != nullptr)
+				chosen->trigger();
+			return labels.join(';');
 		});
-		QString says;
-		EXPECT_TRUE(wait_until([&] {
-			const auto seen = *BPrivate::ServerLink::Default().Call([=]() -> QString {
-				auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-				if (menu == nullptr)
-					return {};
-				QStringList labels;
-				QAction* chosen = nullptr;
-				const QList<QAction*> actions = menu->actions()[index]->menu()->actions();
-				for (QAction* action : actions) {
-					labels << action->text();
-					if (action->text() == label && action->isEnabled())
-						chosen = action;
-				}
-				menu->close();
-				if (chosen != nullptr)
-					chosen->trigger();
-				return labels.join(';');
-			});
-			says = seen;
-			return !seen.isEmpty();
-		}));
 		Settle();
 		return says.toStdString();
 	}
