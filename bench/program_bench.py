@@ -7,6 +7,7 @@ usage: TAVORA_BUILD=build/bench python3 bench/program_bench.py [SECONDS]
 import os
 import pathlib
 import statistics
+import subprocess
 import sys
 import tempfile
 import time
@@ -20,6 +21,8 @@ STARTS = 9
 MEMORY_SECONDS = 4
 LOOKS = 15
 LOOK_SECONDS = 1
+BARE_RUNS = 3
+BARE_SECONDS = 5
 SETTLE_SECONDS = 4  # what follows a start or an end of playing
 TICKS = os.sysconf("SC_CLK_TCK")
 
@@ -73,6 +76,12 @@ def idle(pid, what):
           f"{(wake_ups(pid) - wakes) / took:.0f} wake-ups/s")
 
 
+def bare_polling():
+    """What three threads that wake each other as the polling does take on this machine, while nothing else runs, %."""
+    program = pathlib.Path(os.environ["TAVORA_BUILD"]) / "bin" / "bare_polling"
+    return statistics.median(float(subprocess.check_output([program, str(BARE_SECONDS)])) for _ in range(BARE_RUNS))
+
+
 def measure_idleness(screen, pid):
     lyrics, player = screen.wait_for_window("Lyrics"), screen.wait_for_window("Qubo")
     screen.run("xdotool", "windowactivate", "--sync", player)
@@ -99,6 +108,7 @@ def main():
         times = start_times(screen, folder, songs[0])
         print(f"start to first lyrics: median {statistics.median(times) * 1000:.0f} ms of {STARTS} starts "
               f"(first {times[0] * 1000:.0f}, slowest {max(times) * 1000:.0f})")
+        print(f"the polling's bare wake-ups on this machine: {bare_polling():.2f} % of a core")
         program = Program(screen, folder / "settings", *songs * 4)
         screen.wait_for_window("Lyrics")
         time.sleep(5)
