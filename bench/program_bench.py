@@ -2,6 +2,7 @@
 """The whole program under Xvfb: its start, a minute of steady playing, its memory, and what it costs while nothing is to be done.
 
 usage: TAVORA_BUILD=build/bench python3 bench/program_bench.py [SECONDS]
+QUBO_AO=pulse or QUBO_AO=pipewire plays to a sound server that runs; else it plays in silence.
 """
 
 import os
@@ -24,6 +25,7 @@ LOOK_SECONDS = 1
 BARE_RUNS = 3
 BARE_SECONDS = 5
 SETTLE_SECONDS = 4  # what follows a start or an end of playing
+OUTPUT = {"QUBO_AO": os.environ.get("QUBO_AO", "null")}
 TICKS = os.sysconf("SC_CLK_TCK")
 
 
@@ -109,7 +111,7 @@ def main():
         print(f"start to first lyrics: median {statistics.median(times) * 1000:.0f} ms of {STARTS} starts "
               f"(first {times[0] * 1000:.0f}, slowest {max(times) * 1000:.0f})")
         print(f"the polling's bare wake-ups on this machine: {bare_polling():.2f} % of a core")
-        program = Program(screen, folder / "settings", *songs * 4)
+        program = Program(screen, folder / "settings", *songs * 4, environment=OUTPUT)
         screen.wait_for_window("Lyrics")
         time.sleep(5)
         pid = program.process.pid

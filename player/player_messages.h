@@ -7,7 +7,7 @@
 // code                                             from -> to: fields
 constexpr uint32 kMsgPlayingChanged = 'QPch'; // engine, tag reader -> window; engine -> application
 constexpr uint32 kMsgListChanged = 'QPlc';    // window -> application
-constexpr uint32 kMsgSought = 'QPso';         // engine -> application, for the player server
+constexpr uint32 kMsgSought = 'QPso';         // engine -> window; engine -> application, for the player server
 constexpr uint32 kMsgSetVolume = 'QPvo';      // player server -> window: "volume" (int32, percent)
 constexpr uint32 kMsgProblem = 'QPpr';        // any part -> window: "text" (string)
 constexpr uint32 kMsgPlayingEnded = 'QPen';   // engine -> application: "any" (bool) song played

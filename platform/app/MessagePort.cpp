@@ -133,16 +133,16 @@ MessagePort::Drain(BMessageQueue& queue)
 {
 	if (!HasArrivals())
 		return;
-	std::vector<std::unique_ptr<BMessage>> arrivals;
 	{
 		std::lock_guard lock(fLock);
-		arrivals.swap(fArrivals);
+		fDrained.swap(fArrivals);
 		fCount.store(0, std::memory_order_relaxed);
-		if (arrivals.size() >= fCapacity)
+		if (fDrained.size() >= fCapacity)
 			fSpace.notify_all();
 	}
-	for (std::unique_ptr<BMessage>& message : arrivals)
+	for (std::unique_ptr<BMessage>& message : fDrained)
 		queue.AddMessage(message.release());
+	fDrained.clear();
 }
 
 void

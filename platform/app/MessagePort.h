@@ -81,6 +81,7 @@ private:
 	std::condition_variable fArrival;
 	std::condition_variable fSpace;
 	std::vector<std::unique_ptr<BMessage>> fArrivals;
+	std::vector<std::unique_ptr<BMessage>> fDrained; // the looper's; kept for its room
 	std::atomic<int32> fCount{0};
 	bool fWaiting = false; // the looper sleeps
 	bool fClosed = false;

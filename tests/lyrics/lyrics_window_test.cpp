@@ -9,6 +9,7 @@
 #include "plugin/helpers/TCommMan.h"
 #include "prefs/app_info.h"
 #include "support/DisplayFixture.h"
+#include "support/display.h"
 
 namespace {
 
@@ -54,6 +55,8 @@ protected:
 		ASSERT_TRUE(fWindow->Lock());
 		fWindow->MoveTo(to);
 		fWindow->Unlock();
+		settle(
+			fWindow); // a host that moves before the window is told would move it from its old place
 		ASSERT_TRUE(wait_until([&] { return gExitState->WindowFrame().LeftTop() == to; }));
 	}
 

@@ -36,6 +36,7 @@ constexpr bigtime_t kSecond = 1000000;
 class WindowTeller : public Engine::Listener {
 public:
 	void PlayingChanged() override { window.SendMessage(kMsgPlayingChanged); }
+	void Sought() override { window.SendMessage(kMsgSought); }
 	void SongFailed(int32, const std::string&) override { }
 	void NoSoundOutput() override { }
 	void PlayingEnded(bool) override { }
@@ -95,6 +96,15 @@ protected:
 		return view;
 	}
 
+	std::string Shown(const char* name)
+	{
+		fWindow->Lock();
+		const auto view = dynamic_cast<BStringView*>(fWindow->FindView(name));
+		std::string text = view != nullptr ? view->Text() : "(none)";
+		fWindow->Unlock();
+		return text;
+	}
+
 	std::string Line(int32 index)
 	{
 		fWindow->Lock();
@@ -142,6 +152,31 @@ TEST_F(PlayerWindowTest, ObeysTheKeysOfAPlayer)
 	ASSERT_TRUE(wait_until([&] { return Info().positionMs >= 10000; }));
 	type_key(fWindow, Qt::Key_Home);
 	EXPECT_TRUE(wait_until([&] { return Info().positionMs < 5000; })) << Info().positionMs;
+}
+
+TEST_F(PlayerWindowTest, ItsTimeComesWithTheSecondAndWithASeek)
+{
+	const bigtime_t kLate = 700000; // a look every second would be later now and then
+	const auto shows = [&](int32 second) {
+		const std::string digits = std::to_string(second);
+		return Shown("Time").starts_with((second < 10 ? "0:0" : "0:") + digits);
+	};
+	Play();
+	for (const int32 second : {1, 2, 3}) {
+		ASSERT_TRUE(wait_until([&] { return shows(second); })) << Shown("Time");
+		EXPECT_LT(Info().positionMs, second * 1000 + kLate / 1000);
+	}
+	type_key(fWindow, Qt::Key_Space);
+	ASSERT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
+	for (int i = 0; i < 2; i++) {
+		settle(fWindow);
+		const int32 before = Info().positionMs;
+		type_key(fWindow, Qt::Key_Right);
+		ASSERT_TRUE(wait_until([&] { return Info().positionMs > before + 4000; }));
+		const bigtime_t start = system_time();
+		ASSERT_TRUE(wait_until([&] { return shows(Info().positionMs / 1000); })) << Shown("Time");
+		EXPECT_LT(system_time() - start, kLate);
+	}
 }
 
 TEST_F(PlayerWindowTest, PlusAndMinusMoveTheLyricsAndItIsKept)

@@ -53,11 +53,13 @@ count_frames(const BWindow* window)
 	return BPrivate::WindowData::Of(window).mailbox->CountFrames();
 }
 
-//! Waits until the window's looper has dealt with all that is in its queue, and drawn.
+/*!	Waits until the window's looper has dealt with all that is in its queue, and drawn. What the window system has to tell of an order
+	comes only in the server's next turn but one. */
 inline void
 settle(BWindow* window)
 {
-	on_server(window, [](BPrivate::ServerWindow&) { return true; });
+	for (int turn = 0; turn < 3; turn++)
+		on_server(window, [](BPrivate::ServerWindow&) { return true; });
 	BMessage question(B_GET_SUPPORTED_SUITES);
 	BMessage answer;
 	BMessenger(window).SendMessage(&question, &answer);

@@ -102,8 +102,15 @@ protected:
 	}
 	~PanelTest() override
 	{
-		// No hook of the derived class may run any more while it is destroyed.
-		if (fWindow.LockTarget()) {
+		EndPanel();
+		fTarget->Lock();
+		fTarget->Quit();
+	}
+
+	//! No hook of the derived class may run any more while it is destroyed.
+	void EndPanel()
+	{
+		if (fPanel != nullptr && fWindow.LockTarget()) {
 			BWindow* window = fPanel->Window();
 			const bool isRunning = window->Thread() >= 0;
 			window->Unlock();
@@ -112,8 +119,6 @@ protected:
 				settle(window);
 		}
 		fPanel.reset();
-		fTarget->Lock();
-		fTarget->Quit();
 	}
 
 	void Make(file_panel_mode mode, uint32 flavors = 0, BRefFilter* filter = NULL,
@@ -122,6 +127,7 @@ protected:
 		entry_ref folder;
 		get_ref_for_path(fFolder.Path().c_str(), &folder);
 		BMessenger target(fTarget);
+		EndPanel();
 		fPanel = std::make_unique<Panel>(mode, &target, &folder, flavors, several, message, filter);
 		fWindow = BMessenger(fPanel->Window());
 	}
