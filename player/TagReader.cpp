@@ -2,6 +2,9 @@
 
 #include "song_tags.h"
 
+// Each telling makes the window look through its whole list.
+static constexpr bigtime_t kTellingInterval = 200000;
+
 TagReader::TagReader(PlayState& state, std::function<void()> changed)
 	: fState(state),
 	  fChanged(std::move(changed))
@@ -63,10 +66,19 @@ void
 TagReader::ReadAll()
 {
 	PlaylistEntry entry;
+	bool isUntold = false;
+	bigtime_t nextTelling = 0; // the first name at once
 	for (; fState.GetEntry(fNext, entry) && !IsEnding(); fNext++) {
 		SongTags tags;
 		if (!entry.played && !entry.failed && read_song_tags(entry.path, tags)
 			&& fState.Describe(fNext, tags))
+			isUntold = true;
+		if (isUntold && system_time() >= nextTelling) {
 			fChanged();
+			isUntold = false;
+			nextTelling = system_time() + kTellingInterval;
+		}
 	}
+	if (isUntold)
+		fChanged();
 }

