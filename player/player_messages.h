@@ -7,15 +7,14 @@
 // code                                             from -> to: fields
 constexpr uint32 kMsgPlayingChanged = 'QPch'; // engine, tag reader -> window; engine -> application
 constexpr uint32 kMsgListChanged = 'QPlc';    // window -> application
-constexpr uint32 kMsgSought
-	= 'QPso'; // engine -> window; engine -> application, for the player server
-constexpr uint32 kMsgSetVolume = 'QPvo';     // player server -> window: "volume" (int32, percent)
-constexpr uint32 kMsgProblem = 'QPpr';       // any part -> window: "text" (string)
-constexpr uint32 kMsgPlayingEnded = 'QPen';  // engine -> application: "any" (bool) song played
-constexpr uint32 kMsgAddOnsLoaded = 'QAld';  // add-on host -> application -> window: see below
-constexpr uint32 kMsgAddOnsGone = 'QAgn';    // add-on host -> application
-constexpr uint32 kMsgFinishWatch = 'QWfn';   // application -> lyrics watch
-constexpr uint32 kMsgWatchFinished = 'QWfd'; // lyrics watch -> application: "ok" (bool)
+constexpr uint32 kMsgSought = 'QPso';         // engine -> window, application
+constexpr uint32 kMsgSetVolume = 'QPvo';      // player server -> window: "volume" (int32, percent)
+constexpr uint32 kMsgProblem = 'QPpr';        // any part -> window: "text" (string)
+constexpr uint32 kMsgPlayingEnded = 'QPen';   // engine -> application: "any" (bool) song played
+constexpr uint32 kMsgAddOnsLoaded = 'QAld';   // add-on host -> application -> window: see below
+constexpr uint32 kMsgAddOnsGone = 'QAgn';     // add-on host -> application
+constexpr uint32 kMsgFinishWatch = 'QWfn';    // application -> lyrics watch
+constexpr uint32 kMsgWatchFinished = 'QWfd';  // lyrics watch -> application: "ok" (bool)
 constexpr uint32 kMsgWatchGone = 'QWgn'; // lyrics watch -> application: it asks nothing any more
 constexpr uint32 kMsgExplain
 	= 'QEex'; // application -> lyrics explainer: "index" (int32, 0 without it); and see below
