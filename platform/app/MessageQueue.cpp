@@ -47,8 +47,7 @@ BMessageQueue::RemoveMessage(BMessage* message)
 int32
 BMessageQueue::CountMessages() const
 {
-	BAutolock lock(fLock);
-	return fCount;
+	return fCount.load(std::memory_order_relaxed);
 }
 
 bool
@@ -99,6 +98,8 @@ BMessageQueue::IsLocked() const
 BMessage*
 BMessageQueue::NextMessage()
 {
+	if (IsEmpty())
+		return NULL;
 	BAutolock lock(fLock);
 	BMessage* message = fHead;
 	if (message == NULL)

@@ -2,6 +2,8 @@
 
 #include <Locker.h>
 
+#include <atomic>
+
 class BMessage;
 
 /*!	A queue of messages, first in, first out. Owner of the messages in it.
@@ -16,6 +18,7 @@ public:
 	void AddMessage(BMessage* message);
 	//! The caller owns it then. Nothing if it is not in the queue.
 	void RemoveMessage(BMessage* message);
+	//! Also while somebody has the queue locked.
 	int32 CountMessages() const;
 	bool IsEmpty() const;
 
@@ -34,6 +37,6 @@ public:
 private:
 	BMessage* fHead = nullptr;
 	BMessage* fTail = nullptr;
-	int32 fCount = 0;
+	std::atomic<int32> fCount{0}; // changed with the lock held
 	mutable BLocker fLock;
 };
