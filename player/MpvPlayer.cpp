@@ -51,6 +51,7 @@ constexpr std::pair<const char*, const char*> kOptions[] = {
 	{"prefetch-playlist", "yes"},
 	{"audio-fallback-to-null", "yes"},
 	{"audio-client-name", "Qubo"},
+	{"volume-max", "100"},
 };
 
 /*	What an output has in hand: each half of it that is played wakes several threads, and a tenth of a second or less costs more than

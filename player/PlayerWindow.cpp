@@ -267,7 +267,6 @@ PlayerWindow::MessageReceived(BMessage* message)
 		case kMsgPulse:
 		case kMsgSought:
 			UpdatePosition();
-			SetNextPulse();
 			break;
 		case kMsgPlayingChanged:
 			UpdateAll();
@@ -616,13 +615,11 @@ PlayerWindow::UpdateAll()
 	fPlay->SetLabel(text(info.state == PlayState::kPlaying ? kTextPause : kTextPlay));
 	UpdateList();
 	UpdatePosition();
-	SetNextPulse();
 }
 
 void
-PlayerWindow::SetNextPulse()
+PlayerWindow::SetNextPulse(const QuboInfo& info)
 {
-	const QuboInfo info = fDeck.State().Info();
 	bigtime_t interval = kPulse;
 	if (info.state == PlayState::kPlaying)
 		interval = std::max(kPulse - info.positionMs * bigtime_t(1000) % kPulse, kShortestPulse);
@@ -634,6 +631,7 @@ void
 PlayerWindow::UpdatePosition()
 {
 	QuboInfo info = fDeck.State().Info();
+	SetNextPulse(info);
 	// What stays as it is does not wake the display server: while paused that is all.
 	const bool hasLength = info.lengthMs > 0;
 	const bool canSeek = hasLength && fCanSeek;

@@ -61,7 +61,7 @@ private:
 
 	void UpdateAll();
 	void UpdatePosition();
-	void SetNextPulse();
+	void SetNextPulse(const QuboInfo& info);
 	void UpdateList();
 
 	Deck& fDeck;

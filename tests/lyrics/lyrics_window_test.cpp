@@ -55,8 +55,8 @@ protected:
 		ASSERT_TRUE(fWindow->Lock());
 		fWindow->MoveTo(to);
 		fWindow->Unlock();
-		settle(
-			fWindow); // a host that moves before the window is told would move it from its old place
+		// A host that moves before the window is told would move it from its old place.
+		settle(fWindow);
 		ASSERT_TRUE(wait_until([&] { return gExitState->WindowFrame().LeftTop() == to; }));
 	}
 
