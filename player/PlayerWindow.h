@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/QuboProtocol.h"
+
 #include "Texts.h"
 
 #include <Window.h>
