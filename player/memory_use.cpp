@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include <link.h>
 #include <malloc.h>
@@ -41,8 +42,10 @@ int
 drop_pages(dl_phdr_info* library, size_t, void*)
 {
 	const uintptr_t page = sysconf(_SC_PAGESIZE);
-	for (int i = 0; i < library->dlpi_phnum; i++) {
-		const ElfW(Phdr)& segment = library->dlpi_phdr[i];
+	// A copy: the table lies in the first of these segments, and a look at it would bring 64 KB of each library back.
+	const std::vector<ElfW(Phdr)> segments(
+		library->dlpi_phdr, library->dlpi_phdr + library->dlpi_phnum);
+	for (const ElfW(Phdr) & segment : segments) {
 		if (!is_unwritten(segment))
 			continue;
 		const uintptr_t begin = (library->dlpi_addr + segment.p_vaddr + page - 1) / page * page;
