@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr bigtime_t kMillisecond = 1000;
 constexpr bigtime_t kSecond = 1000000;
 constexpr bigtime_t kFadeTime = 500000;
 constexpr bigtime_t kFadeStep = 20000;
@@ -286,14 +287,33 @@ Engine::StepRequested(int32 step)
 void
 Engine::SeekRequested(bigtime_t position)
 {
-	if (IsStopped() || fLoaded != nullptr) // which of two songs would be meant?
+	if (IsStopped())
 		return;
 	EndFade();
 	position = std::max<bigtime_t>(position, 0);
+	if (fLoaded != nullptr) {
+		SeekInSongBefore(position);
+		return;
+	}
 	// beyond the end: the player itself finds the end, and goes on to the next song
 	std::string seconds = std::to_string(position / kSecond) + "."
 		+ std::to_string(kSecond + position % kSecond).substr(1);
 	if (fPlayer->Command({"seek", seconds.c_str(), "absolute+exact"})) {
+		fState.Jump(position);
+		fListener.Sought();
+	}
+}
+
+/*!	The player has done with the song that is still heard: it is opened anew, or the next one begins at once. */
+void
+Engine::SeekInSongBefore(bigtime_t position)
+{
+	if (!fLoaded->isWaiting) // no sound yet to seek in
+		return;
+	if (position >= fState.Info().lengthMs * kMillisecond)
+		Open(fLoaded->index, 0);
+	else {
+		Open(fState.CurrentIndex(), position);
 		fState.Jump(position);
 		fListener.Sought();
 	}
@@ -349,13 +369,21 @@ void
 Engine::PlayNow(const Command& command)
 {
 	fFade.reset();
+	fPlayer->SetFlag("pause", false);
+	Open(command.index, command.value);
+}
+
+void
+Engine::Open(int32 index, bigtime_t position)
+{
 	AppendSongs();
-	fStart = command.value;
+	fPlayer->SetText("gapless-audio", "no"); // until its beginning is heard
+	fStart = position;
 	std::string start = fStart > 0 ? std::to_string(fStart / 1e6) : "none";
 	fPlayer->SetText("start", start.c_str());
-	fPlayer->SetFlag("pause", false);
-	fState.SetFailed(command.index, false);
-	fWanted = fPlayer->Command({"playlist-play-index", std::to_string(command.index).c_str()});
+	fState.SetFailed(index, false);
+	fWanted = fPlayer->Command({"playlist-play-index", std::to_string(index).c_str()});
+	fRestarted = fRestarted && !fWanted; // the position is soon the new song's
 }
 
 void
@@ -367,15 +395,19 @@ Engine::AppendSongs()
 }
 
 /*!	A gapless player opens the next file while the output still holds the end of this one, and throws that end away if the file cannot
-	be played. So it goes on gaplessly only to what is surely sound; before anything else it waits for the end to be heard. */
+	be played. So it goes on gaplessly only to what is surely sound, and too much of it to be done with before it is heard; before
+	anything else it waits for the end to be heard. */
 void
 Engine::PrepareNext()
 {
+	AppendSongs();
+	if (fLoaded != nullptr)
+		return;
 	PlaylistEntry next;
 	SongTags tags;
-	AppendSongs();
+	const bigtime_t ahead = fSilent ? MpvPlayer::kSilenceAhead : MpvPlayer::kSoundAhead;
 	const bool isSound = fState.GetEntry(fState.CurrentIndex() + 1, next)
-		&& read_song_tags(next.path, tags) && tags.length > 0;
+		&& read_song_tags(next.path, tags) && tags.length > ahead;
 	fPlayer->SetText("gapless-audio", isSound ? "yes" : "no");
 }
 
@@ -468,7 +500,7 @@ Engine::FileEnded(const mpv_event& event)
 	fStarting = -1;
 	switch (end.reason) {
 		case MPV_END_FILE_REASON_EOF:
-			if (fLoaded != nullptr) // shorter than what the output holds
+			if (fLoaded != nullptr) // there was nothing to be heard, or less than its tags tell
 				BeginLoadedSong(fLoaded->start);
 			return;
 		case MPV_END_FILE_REASON_ERROR:
@@ -544,9 +576,10 @@ Engine::PropertyChanged(const mpv_event_property& property)
 			fState.SetLength(length);
 		fListener.PlayingChanged();
 	} else if (name == "current-ao" && property.format == MPV_FORMAT_STRING) {
-		bool silent = std::string("null") == *static_cast<char**>(property.data);
-		if (silent && MpvPlayer::WantedOutput() != "null" && !std::exchange(fToldSilence, true))
+		fSilent = std::string("null") == *static_cast<char**>(property.data);
+		if (fSilent && MpvPlayer::WantedOutput() != "null" && !std::exchange(fToldSilence, true))
 			fListener.NoSoundOutput();
+		PrepareNext();
 	}
 }
 
@@ -610,9 +643,12 @@ Engine::Sample()
 	else if (fLoaded == nullptr)
 		fState.Sample(position, (before + now) / 2);
 	else if (position >= 0)
-		BeginLoadedSong(position);
-	else if (!fPaused)
-		fLoadedStart = now - position;
+		BeginLoadedSong(fPaused ? std::max(position, fLoaded->start) : position);
+	else {
+		fLoaded->isWaiting = true;
+		if (!fPaused)
+			fLoadedStart = now - position;
+	}
 }
 
 void

@@ -86,7 +86,8 @@ private:
 	struct Loaded {
 		int32 index;
 		SongTags tags;
-		bigtime_t start; // where it was told to begin
+		bigtime_t start;        // where it was told to begin
+		bool isWaiting = false; // for the end of the song before it, which is still heard
 	};
 	struct Fade {
 		Command next;
@@ -106,12 +107,14 @@ private:
 	void PauseRequested(bool pause);
 	void StepRequested(int32 step);
 	void SeekRequested(bigtime_t position);
+	void SeekInSongBefore(bigtime_t position);
 	void VolumeRequested(int32 percent);
 
 	bool StartPlayer();
 	void Withdraw();
 	bool IsStopped() const;
 	void PlayNow(const Command& command);
+	void Open(int32 index, bigtime_t position);
 	void AppendSongs();
 	void PrepareNext();
 	void ResetList();
@@ -156,6 +159,7 @@ private:
 	bigtime_t fNextSample;
 	bigtime_t fLoadedStart;
 	bool fPaused = false;
+	bool fSilent = true;     // no sound output, as far as is known
 	bool fRestarted = false; // the opened file's sound is on its way
 	bigtime_t fStart = 0;    // where the song that is wanted begins
 	bool fWanted = false;    // a song was asked for and is not opened yet

@@ -47,20 +47,19 @@ constexpr std::pair<const char*, const char*> kOptions[] = {
 	{"autoload-files", "no"},
 	{"resume-playback", "no"},
 	{"idle", "yes"},
-	{"gapless-audio", "yes"},
 	{"prefetch-playlist", "yes"},
 	{"audio-fallback-to-null", "yes"},
 	{"audio-client-name", "Qubo"},
 	{"volume-max", "100"},
 };
 
-/*	What an output has in hand: each half of it that is played wakes several threads, and a tenth of a second or less costs more than
-	the lyrics. The volume is heard as much later; silence may be written further ahead. A library without the output does not know
-	the option, which does no harm. */
+/*	What an output has in hand: each part of it that is played wakes several threads, and a tenth of a second or less costs more than
+	the lyrics. The volume is heard as much later; silence may be written further ahead. The library itself holds as much again
+	(kSilenceAhead and kSoundAhead). A library without the output does not know the option, which does no harm. */
 constexpr std::pair<const char*, const char*> kOutputBuffers[] = {
 	{"pipewire-buffer", "100"}, // ms; the server's own limit is less
 	{"pulse-buffer", "250"},    // ms
-	{"ao-null-buffer", "0.5"},  // s
+	{"ao-null-buffer", "2"},    // s
 };
 
 // Scripts of the library's own, a thread each. Their options' names differ between its versions; one that is unknown does no harm.

@@ -16,6 +16,10 @@ struct MpvFunctions;
 	Thread: one, but for Wakeup(), which may be called from any while the object lives. */
 class MpvPlayer {
 public:
+	//! The player is never further ahead of what is heard, µs: in silence, and with any other output.
+	static constexpr bigtime_t kSilenceAhead = 4500000;
+	static constexpr bigtime_t kSoundAhead = 1000000;
+
 	//! A player of sound only. NULL, and the reason in `error`, if there is none to be had.
 	static std::unique_ptr<MpvPlayer> Create(std::string& error);
 	~MpvPlayer();
