@@ -308,7 +308,7 @@ Engine::SeekRequested(bigtime_t position)
 void
 Engine::SeekInSongBefore(bigtime_t position)
 {
-	if (!fLoaded->isWaiting) // no sound yet to seek in
+	if (fWanted || !fLoaded->isWaiting) // no sound yet to seek in
 		return;
 	if (position >= fState.Info().lengthMs * kMillisecond)
 		Open(fLoaded->index, 0);
@@ -369,6 +369,7 @@ void
 Engine::PlayNow(const Command& command)
 {
 	fFade.reset();
+	AppendSongs();
 	fPlayer->SetFlag("pause", false);
 	Open(command.index, command.value);
 }
@@ -376,7 +377,6 @@ Engine::PlayNow(const Command& command)
 void
 Engine::Open(int32 index, bigtime_t position)
 {
-	AppendSongs();
 	fPlayer->SetText("gapless-audio", "no"); // until its beginning is heard
 	fStart = position;
 	std::string start = fStart > 0 ? std::to_string(fStart / 1e6) : "none";

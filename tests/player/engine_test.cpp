@@ -297,6 +297,13 @@ TEST_F(EngineTest, SeeksInASongUntilItsEndIsHeard)
 	fEngine.SeekBy(2 * kSecond); // beyond the end
 	ASSERT_TRUE(WaitForTitle("2.wav"));
 	EXPECT_LT(fState.Info().positionMs, 1000);
+
+	fEngine.Play(0, false, 7 * kSecond);
+	ASSERT_TRUE(WaitForTitle("1.wav"));
+	ASSERT_TRUE(WaitForPosition(7300));
+	fEngine.Play(1, true);
+	fEngine.SeekBy(-kSecond); // ends the fade, and is no way back
+	ASSERT_TRUE(WaitForTitle("2.wav"));
 }
 
 TEST_F(EngineTest, GoesToTheNextAndThePreviousSong)
