@@ -498,6 +498,7 @@ Engine::FileEnded(const mpv_event& event)
 	auto& end = *static_cast<mpv_event_end_file*>(event.data);
 	int32 index = IndexOf(end.playlist_entry_id);
 	fStarting = -1;
+	fSongEnded = end.reason == MPV_END_FILE_REASON_EOF;
 	switch (end.reason) {
 		case MPV_END_FILE_REASON_EOF:
 			if (fLoaded != nullptr) // there was nothing to be heard, or less than its tags tell
@@ -638,17 +639,28 @@ Engine::Sample()
 	if (!seconds) // the last sound of the last song is under way
 		return;
 	bigtime_t position = to_microseconds(*seconds);
-	if (now - before > kSlowAnswer && fLoaded == nullptr)
-		fNextSample = now + kRetryInterval; // of when is it? The clock knows better
+	const bool isSlow = now - before > kSlowAnswer; // of when is it? The clock knows better
+	if (fLoaded == nullptr
+		&& (isSlow || position < 0)) // below 0: not heard yet, or of a song that is yet to be told
+		fNextSample = now + kRetryInterval;
 	else if (fLoaded == nullptr)
 		fState.Sample(position, (before + now) / 2);
 	else if (position >= 0)
 		BeginLoadedSong(fPaused ? std::max(position, fLoaded->start) : position);
-	else {
-		fLoaded->isWaiting = true;
-		if (!fPaused)
-			fLoadedStart = now - position;
-	}
+	else
+		LoadedSongWaits(now - position);
+}
+
+//! Until `start`, for its own sound.
+void
+Engine::LoadedSongWaits(bigtime_t start)
+{
+	fLoaded->isWaiting = fSongEnded;
+	if (fPaused)
+		return;
+	fLoadedStart = start;
+	if (fSongEnded)
+		fState.EndAt(start);
 }
 
 void

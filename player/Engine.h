@@ -137,6 +137,7 @@ private:
 	void StepFade(bigtime_t now);
 	void EndFade();
 	void Sample();
+	void LoadedSongWaits(bigtime_t start);
 	void BeginLoadedSong(bigtime_t position);
 
 	PlayState& fState;
@@ -161,6 +162,7 @@ private:
 	bool fPaused = false;
 	bool fSilent = true;     // no sound output, as far as is known
 	bool fRestarted = false; // the opened file's sound is on its way
+	bool fSongEnded = false; // the last file was left at its end: the output still holds some of it
 	bigtime_t fStart = 0;    // where the song that is wanted begins
 	bool fWanted = false;    // a song was asked for and is not opened yet
 	bool fOpened = false;    // a file was opened since the list was idle

@@ -148,6 +148,18 @@ PlayState::Sample(bigtime_t position, bigtime_t when)
 }
 
 void
+PlayState::EndAt(bigtime_t end)
+{
+	std::lock_guard lock(fLock);
+	if (fClock.IsRunning() || fState != kPlaying)
+		return;
+	const bigtime_t now = system_time();
+	fClock.SetRunning(true, now);
+	if (fLength > 0)
+		fClock.Sample(fLength - (end - now), now);
+}
+
+void
 PlayState::Stop()
 {
 	std::lock_guard lock(fLock);

@@ -43,6 +43,8 @@ public:
 	//! The sound stands still (a seek, an empty buffer) though nothing is paused.
 	void Freeze();
 	void Sample(bigtime_t position, bigtime_t when);
+	//! The player has left the song, whose sound ends at `end` (of system_time()): a clock that stands, after a seek, goes on by that.
+	void EndAt(bigtime_t end);
 	//! The end of the last song; what played stays, with its position.
 	void Stop();
 
