@@ -148,6 +148,25 @@ TEST(PlayState, KeepsSongAndPositionAtTheEnd)
 	EXPECT_STREQ(info.title, "one.ogg");
 }
 
+TEST(PlayState, GoesOnByTheSongsEndAfterASeek)
+{
+	PlayState state;
+	state.Add("/one.ogg");
+	state.StartSong(0, {"", "", 8 * kSecond}, 0);
+	state.Jump(6 * kSecond);
+	const bigtime_t now = system_time();
+	EXPECT_EQ(state.InfoAt(now + kSecond).positionMs, 6000);
+	state.EndAt(now + 1500 * kMs);
+	EXPECT_EQ(state.InfoAt(now).positionMs, 6500);
+	EXPECT_EQ(state.InfoAt(now + kSecond).positionMs, 7500);
+	state.EndAt(now + 9 * kSecond); // a clock that goes is left alone
+	EXPECT_EQ(state.InfoAt(now + 1400 * kMs).positionMs, 7900);
+	state.SetPaused(true);
+	state.Jump(2 * kSecond);
+	state.EndAt(now + kSecond);
+	EXPECT_EQ(state.InfoAt(now + kSecond).positionMs, 2000);
+}
+
 TEST(PlayState, IsPausedFromTheStartOfASongThatBeginsPaused)
 {
 	PlayState state;
