@@ -37,7 +37,7 @@ constexpr bigtime_t kSettleTime = 3000000; // from the start of a song to steady
 QuboApp::QuboApp(const CommandLine& line)
 	: BApplication(kQuboSignature),
 	  fLine(line),
-	  fTags(fState, [this] { fWindow.SendMessage(kMsgPlayingChanged); }),
+	  fTags(fState, [this] { Window().SendMessage(kMsgPlayingChanged); }),
 	  fEngine(fState, *this),
 	  fDeck(fEngine),
 	  fFrontEnd(fDeck),
@@ -71,7 +71,7 @@ QuboApp::ReadyToRun()
 void
 QuboApp::RefsReceived(BMessage* message)
 {
-	fWindow.SendMessage(message); // folders are read on its thread
+	Window().SendMessage(message); // folders are read on its thread
 }
 
 void
@@ -187,8 +187,18 @@ void
 QuboApp::OpenWindow()
 {
 	auto window = new PlayerWindow(fDeck, fState, fLine.volume.value_or(kFullVolume));
-	fWindow = BMessenger(window);
+	{
+		std::lock_guard lock(fWindowLock);
+		fWindow = BMessenger(window);
+	}
 	window->Show();
+}
+
+BMessenger
+QuboApp::Window() const
+{
+	std::lock_guard lock(fWindowLock);
+	return fWindow;
 }
 
 void
@@ -236,7 +246,7 @@ QuboApp::LoadAddOns()
 void
 QuboApp::AddOnsLoadedRqtd(BMessage* message)
 {
-	fWindow.SendMessage(message);
+	Window().SendMessage(message);
 	if (fLine.explain) {
 		fWatch.SendMessage(kMsgExplain);
 		return;
@@ -299,7 +309,7 @@ QuboApp::PlayFilesRqtd(BMessage* message)
 		SetFollowing(true);
 		fFollower->Pin(player);
 	}
-	fWindow.SendMessage(message);
+	Window().SendMessage(message);
 }
 
 bool
@@ -322,7 +332,7 @@ QuboApp::AnswerSession(const BMessage& request, BMessage& reply)
 void
 QuboApp::PlayingChanged()
 {
-	fWindow.SendMessage(kMsgPlayingChanged);
+	Window().SendMessage(kMsgPlayingChanged);
 	PostMessage(kMsgPlayingChanged);
 	fTags.Wake();
 	const int32 song = fState.CurrentIndex();
@@ -348,7 +358,7 @@ QuboApp::SetFollowing(bool on)
 		fDeck.Switch(fEngine);
 	fFollower->SetOn(on);
 	UpdateServer();
-	fWindow.SendMessage(kMsgPlayingChanged);
+	Window().SendMessage(kMsgPlayingChanged);
 }
 
 void
@@ -388,22 +398,22 @@ QuboApp::FollowingChangedRqtd()
 	message.AddString("text", report.text.c_str());
 	for (const std::string& player : report.players)
 		message.AddString("player", player.c_str());
-	fWindow.SendMessage(&message);
+	Window().SendMessage(&message);
 	if (report.on)
-		fWindow.SendMessage(kMsgPlayingChanged);
+		Window().SendMessage(kMsgPlayingChanged);
 }
 
 void
 QuboApp::Sought()
 {
-	fWindow.SendMessage(kMsgSought);
+	Window().SendMessage(kMsgSought);
 	PostMessage(kMsgSought);
 }
 
 void
 QuboApp::RaiseAsked()
 {
-	fWindow.SendMessage(kMsgPlayFiles); // of which there are none
+	Window().SendMessage(kMsgPlayFiles); // of which there are none
 }
 
 void
@@ -425,7 +435,7 @@ QuboApp::VolumeAsked(int32 percent)
 {
 	BMessage message(kMsgSetVolume);
 	message.AddInt32("volume", percent);
-	fWindow.SendMessage(&message);
+	Window().SendMessage(&message);
 }
 
 void
@@ -464,7 +474,7 @@ QuboApp::Report(const std::string& problem)
 	fprintf(stderr, "qubo: %s\n", problem.c_str());
 	BMessage message(kMsgProblem);
 	message.AddString("text", problem.c_str());
-	fWindow.SendMessage(&message);
+	Window().SendMessage(&message);
 }
 
 void

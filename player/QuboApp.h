@@ -15,6 +15,7 @@
 #include <Messenger.h>
 
 #include <memory>
+#include <mutex>
 
 /*!	The player: makes its parts, tells one what another has done, and ends them in order.
 	The end, however it is asked for: the sound stops, the plug-in objects are put away on their thread while this looper goes on
@@ -88,10 +89,14 @@ private:
 	void PartGone(bool& gone);
 
 	void Report(const std::string& problem);
+	//! Where the window takes messages; nowhere before it is open. Any thread.
+	BMessenger Window() const;
 
 	const CommandLine fLine;
 	PlayState fState;
-	BMessenger fWindow;
+	mutable std::mutex fWindowLock;
+	BMessenger
+		fWindow; // the engine, the tag reader and the bus tell it too, from before it is there
 	BMessenger fWatch;
 	TagReader fTags;
 	Engine fEngine; // its thread wakes the tag reader to its end
