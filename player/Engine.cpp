@@ -384,6 +384,7 @@ Engine::Open(int32 index, bigtime_t position)
 	fState.SetFailed(index, false);
 	fWanted = fPlayer->Command({"playlist-play-index", std::to_string(index).c_str()});
 	fRestarted = fRestarted && !fWanted; // the position is soon the new song's
+	fSongEnded = false;                  // what was heard is cut off
 }
 
 void
@@ -639,16 +640,15 @@ Engine::Sample()
 	if (!seconds) // the last sound of the last song is under way
 		return;
 	bigtime_t position = to_microseconds(*seconds);
-	const bool isSlow = now - before > kSlowAnswer; // of when is it? The clock knows better
-	if (fLoaded == nullptr
-		&& (isSlow || position < 0)) // below 0: not heard yet, or of a song that is yet to be told
-		fNextSample = now + kRetryInterval;
-	else if (fLoaded == nullptr)
-		fState.Sample(position, (before + now) / 2);
-	else if (position >= 0)
+	if (fLoaded != nullptr && position >= 0)
 		BeginLoadedSong(fPaused ? std::max(position, fLoaded->start) : position);
-	else
+	else if (fLoaded != nullptr)
 		LoadedSongWaits(now - position);
+	else if (now - before > kSlowAnswer // of when is it? The clock knows better
+		|| position < 0)                // not heard yet, or of a song that is yet to be told
+		fNextSample = now + kRetryInterval;
+	else
+		fState.Sample(position, (before + now) / 2);
 }
 
 //! Until `start`, for its own sound.

@@ -94,9 +94,8 @@ private:
 
 	const CommandLine fLine;
 	PlayState fState;
-	mutable std::mutex fWindowLock;
-	BMessenger
-		fWindow; // the engine, the tag reader and the bus tell it too, from before it is there
+	mutable std::mutex fWindowLock; // other threads tell the window too, from before it is there
+	BMessenger fWindow;
 	BMessenger fWatch;
 	TagReader fTags;
 	Engine fEngine; // its thread wakes the tag reader to its end
