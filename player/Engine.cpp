@@ -299,6 +299,7 @@ Engine::SeekRequested(bigtime_t position)
 	std::string seconds = std::to_string(position / kSecond) + "."
 		+ std::to_string(kSecond + position % kSecond).substr(1);
 	if (fPlayer->Command({"seek", seconds.c_str(), "absolute+exact"})) {
+		fPlaced = true;
 		fState.Jump(position);
 		fListener.Sought();
 	}
@@ -385,6 +386,7 @@ Engine::Open(int32 index, bigtime_t position)
 	fWanted = fPlayer->Command({"playlist-play-index", std::to_string(index).c_str()});
 	fRestarted = fRestarted && !fWanted; // the position is soon the new song's
 	fSongEnded = false;                  // what was heard is cut off
+	fPlaced = true;
 }
 
 void
@@ -466,6 +468,7 @@ Engine::FileStarted(int64_t id)
 	fStarting = IndexOf(id);
 	fRestarted = false;
 	fOpened = true;
+	fPlaced = fPlaced && fWanted;
 	fWanted = false;
 	if (fFade == nullptr)
 		fPlayer->SetNumber("volume", fVolume); // only now is a faded song silent for good
@@ -539,9 +542,8 @@ Engine::PlaybackRestarted()
 		fPlayer->SetText("start", "none");
 	fQuickSamples = kQuickSamples;
 	fRestarted = true;
-	// After a seek in a pause the player takes its full buffer for sound that is still to be heard; what was sought holds.
-	if (!fPaused || fLoaded != nullptr)
-		Sample();
+	fPlaced = fPlaced && fPaused;
+	Sample();
 }
 
 void
@@ -565,6 +567,7 @@ Engine::PropertyChanged(const mpv_event_property& property)
 	if (name == "pause" && property.format == MPV_FORMAT_FLAG) {
 		fPaused = *static_cast<int*>(property.data) != 0;
 		fState.SetPaused(fPaused);
+		fPlaced = fPlaced && fPaused;
 		Sample();
 		fListener.PlayingChanged();
 	} else if (name == "paused-for-cache" && property.format == MPV_FORMAT_FLAG) {
@@ -632,6 +635,10 @@ Engine::Sample()
 	fNextSample = B_INFINITE_TIMEOUT;
 	if (!fOpened || !fRestarted) // between two songs the player's position belongs to neither
 		return;
+	// After a seek in a pause the player takes its full buffer for sound that is still to be heard; what was sought holds.
+	const bool holds = fPaused && fPlaced;
+	if (holds && fLoaded == nullptr)
+		return;
 	bigtime_t before = system_time();
 	std::optional<double> seconds = fPlayer->Number("audio-pts");
 	bigtime_t now = system_time();
@@ -640,8 +647,8 @@ Engine::Sample()
 	if (!seconds) // the last sound of the last song is under way
 		return;
 	bigtime_t position = to_microseconds(*seconds);
-	if (fLoaded != nullptr && position >= 0)
-		BeginLoadedSong(fPaused ? std::max(position, fLoaded->start) : position);
+	if (fLoaded != nullptr && (position >= 0 || holds))
+		BeginLoadedSong(holds ? fLoaded->start : position);
 	else if (fLoaded != nullptr)
 		LoadedSongWaits(now - position);
 	else if (now - before > kSlowAnswer // of when is it? The clock knows better

@@ -165,6 +165,7 @@ private:
 	bool fSongEnded = false; // the last file was left at its end: the output still holds some of it
 	bigtime_t fStart = 0;    // where the song that is wanted begins
 	bool fWanted = false;    // a song was asked for and is not opened yet
+	bool fPlaced = false;    // by a seek or an opening, and not heard from there yet
 	bool fOpened = false;    // a file was opened since the list was idle
 	bool fAnnounced = false; // a song is told that has no sound yet
 	bool fAnyPlayed = false;
