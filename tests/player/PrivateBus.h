@@ -47,6 +47,9 @@ public:
 		kill(fProcess, SIGKILL);
 		waitpid(fProcess, nullptr, 0);
 		fProcess = 0;
+		// a killed one leaves its socket: "unix:path=/tmp/dbus-...,guid=..."
+		const size_t path = fAddress.find('/');
+		unlink(fAddress.substr(path, fAddress.find(',') - path).c_str());
 	}
 
 private:
