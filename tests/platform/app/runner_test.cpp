@@ -90,10 +90,11 @@ TEST(MessageRunner, SetIntervalCountsFromNow)
 	BMessageRunner runner(BMessenger(looper), BMessage(kBeat), 100000000);
 	const bigtime_t start = system_time();
 	EXPECT_EQ(runner.SetInterval(20000), B_OK); // wakes a looper that sleeps for 100 s
-	EXPECT_TRUE(happens([&] { return beats.Count() == 1; }));
+	EXPECT_TRUE(happens([&] { return beats.Count() >= 1; }));
 	EXPECT_GE(beats.At(0) - start, 20000);
 	EXPECT_LT(beats.At(0) - start, 5000000);
 	EXPECT_EQ(runner.SetInterval(100000000), B_OK);
+	snooze(30000); // for one that was under way
 	const size_t count = beats.Count();
 	snooze(30000);
 	EXPECT_EQ(beats.Count(), count);
