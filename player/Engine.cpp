@@ -291,10 +291,12 @@ Engine::SeekRequested(bigtime_t position)
 		return;
 	EndFade();
 	position = std::max<bigtime_t>(position, 0);
-	if (fLoaded != nullptr) {
+	if (fSongEnded) {
 		SeekInSongBefore(position);
 		return;
 	}
+	if (fWanted || fStarting >= 0 || fLoaded != nullptr) // no sound yet to seek in
+		return;
 	// beyond the end: the player itself finds the end, and goes on to the next song
 	std::string seconds = std::to_string(position / kSecond) + "."
 		+ std::to_string(kSecond + position % kSecond).substr(1);
@@ -305,16 +307,16 @@ Engine::SeekRequested(bigtime_t position)
 	}
 }
 
-/*!	The player has done with the song that is still heard: it is opened anew, or the next one begins at once. */
+//!	The player has done with the song that is still heard: it is opened anew, or the next one begins at once.
 void
 Engine::SeekInSongBefore(bigtime_t position)
 {
-	if (fWanted || !fLoaded->isWaiting) // no sound yet to seek in
-		return;
-	if (position >= fState.Info().lengthMs * kMillisecond)
-		Open(fLoaded->index, 0);
-	else {
-		Open(fState.CurrentIndex(), position);
+	int32 current = fState.CurrentIndex();
+	if (position >= fState.Info().lengthMs * kMillisecond) {
+		if (int32 next = fState.NextPlayable(current + 1, 1); next >= 0)
+			Open(next, 0);
+	} else {
+		Open(current, position);
 		fState.Jump(position);
 		fListener.Sought();
 	}
@@ -502,11 +504,11 @@ Engine::FileEnded(const mpv_event& event)
 	auto& end = *static_cast<mpv_event_end_file*>(event.data);
 	int32 index = IndexOf(end.playlist_entry_id);
 	fStarting = -1;
-	fSongEnded = end.reason == MPV_END_FILE_REASON_EOF;
 	switch (end.reason) {
 		case MPV_END_FILE_REASON_EOF:
 			if (fLoaded != nullptr) // there was nothing to be heard, or less than its tags tell
 				BeginLoadedSong(fLoaded->start);
+			fSongEnded = true;
 			return;
 		case MPV_END_FILE_REASON_ERROR:
 			SongFailed(index, fPlayer->ErrorText(end.error));
@@ -520,6 +522,7 @@ Engine::FileEnded(const mpv_event& event)
 		default:
 			break;
 	}
+	fSongEnded = false;
 	fLoaded.reset();
 	fState.Freeze();
 }
@@ -662,7 +665,6 @@ Engine::Sample()
 void
 Engine::LoadedSongWaits(bigtime_t start)
 {
-	fLoaded->isWaiting = fSongEnded;
 	if (fPaused)
 		return;
 	fLoadedStart = start;
@@ -677,6 +679,7 @@ Engine::BeginLoadedSong(bigtime_t position)
 	fState.StartSong(fLoaded->index, fLoaded->tags, position);
 	fState.Sample(position, system_time());
 	fLoaded.reset();
+	fSongEnded = false;
 	fAnyPlayed = true;
 	fListener.PlayingChanged();
 	PrepareNext();
