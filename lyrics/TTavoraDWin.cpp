@@ -7,6 +7,7 @@
 #include <InterfaceDefs.h>
 #include <Message.h>
 #include <Messenger.h>
+#include <OS.h>
 
 #include "framework/TLLT.h"
 #include "host/qubo_window.h"
@@ -28,7 +29,7 @@ constexpr int8 kControlC = 0x03;     // its byte, on keyboards with other letter
 constexpr float kMinWidth = 80;
 constexpr float kMinHeight = 24;
 constexpr float kMaxSize = 16384;
-constexpr size_t kMaxOwnMoves = 64;
+constexpr bigtime_t kReportTime = 5000000; // a move that is not reported by then never is
 
 //! Control+C, which many are used to; Command+C is the window's shortcut.
 bool
@@ -178,8 +179,10 @@ void
 TTavoraDWin::PopMItemPositionClicked(merion::side side)
 {
 	BRect host;
-	if (get_qubo_win_frame(&host) == 0)
-		MoveTo(merion::place_at_side(Frame(), host, side, merion::screen_frames()));
+	if (get_qubo_win_frame(&host) != 0)
+		return;
+	fOwnMoves.clear();
+	MoveTo(merion::place_at_side(Frame(), host, side, merion::screen_frames()));
 }
 
 void
@@ -259,9 +262,8 @@ TTavoraDWin::HostWindowMoved()
 	const BPoint place = merion::keep_on_screen(frame, merion::screen_frames());
 	if (place == Frame().LeftTop())
 		return;
-	if (fOwnMoves.size() == kMaxOwnMoves)
-		fOwnMoves.pop_front();
-	fOwnMoves.push_back(place);
+	ForgetOldMoves();
+	fOwnMoves.push_back({place, system_time()});
 	MoveTo(place);
 	RememberFrame();
 }
@@ -277,16 +279,20 @@ TTavoraDWin::FrameMoved(BPoint newPosition)
 	TMERWin::FrameMoved(newPosition);
 }
 
+//!	Of moves in quick succession each may be reported several times, or not at all, and an older one after a newer one.
 bool
 TTavoraDWin::IsOwnMove(BPoint position)
 {
-	// Of moves in quick succession only the last may be reported, or the last several times: those before it are done with,
-	// while it stays known.
-	const auto found = std::find(fOwnMoves.begin(), fOwnMoves.end(), position);
-	if (found == fOwnMoves.end())
-		return false;
-	fOwnMoves.erase(fOwnMoves.begin(), found);
-	return true;
+	ForgetOldMoves();
+	return std::any_of(fOwnMoves.begin(), fOwnMoves.end(),
+		[position](const OwnMove& move) { return move.place == position; });
+}
+
+void
+TTavoraDWin::ForgetOldMoves()
+{
+	while (!fOwnMoves.empty() && system_time() - fOwnMoves.front().when > kReportTime)
+		fOwnMoves.pop_front();
 }
 
 void

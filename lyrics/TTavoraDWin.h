@@ -35,6 +35,11 @@ public:
 	void SetSongTitle(std::string_view title);
 
 private:
+	struct OwnMove {
+		BPoint place;
+		bigtime_t when;
+	};
+
 	// The popup menu
 	void PopMItemStayOnTopClicked();
 	void PopMItemPositionClicked(merion::side side);
@@ -48,6 +53,7 @@ private:
 	void RememberOffset();
 	void RememberFrame();
 	bool IsOwnMove(BPoint position);
+	void ForgetOldMoves();
 
 	TCommMan* const fManager;
 	TTavoraDView* fView; // the window deletes it
@@ -59,5 +65,5 @@ private:
 	BPoint fHostPlace;              // where it was last seen
 	BPoint fOffset;                 // from the host's window to this one, as the user wants it
 	bool fHasOffset = false;
-	std::deque<BPoint> fOwnMoves; // places that following asked for, from the last reported one on
+	std::deque<OwnMove> fOwnMoves; // that following asked for, the oldest first
 };

@@ -161,7 +161,8 @@ private:
 	bool fPaused = false;
 	bool fSilent = true;     // no sound output, as far as is known
 	bool fRestarted = false; // the opened file's sound is on its way
-	bool fSongEnded = false; // the player has left the song that is told at its end: the output still holds some of it
+	bool fSongEnded
+		= false; // the player has left the song that is told at its end: the output still holds some of it
 	bigtime_t fStart = 0;    // where the song that is wanted begins
 	bool fWanted = false;    // a song was asked for and is not opened yet
 	bool fPlaced = false;    // by a seek or an opening, and not heard from there yet

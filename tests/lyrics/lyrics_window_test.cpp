@@ -158,6 +158,11 @@ TEST_F(WindowTest, FollowsTheHostAtTheUsersDistance)
 	for (int i = 0; i < 30; i++)
 		MoveHost(BPoint(80 + i, 60 + i));
 	EXPECT_TRUE(ComesTo(BPoint(119, 239)));
+	// a busy window manager tells of a place on the way once more
+	BMessage moved(B_WINDOW_MOVED);
+	moved.AddPoint("where", BPoint(90, 210));
+	fWindow->PostMessage(&moved);
+	EXPECT_TRUE(ComesTo(BPoint(90, 210)));
 	MoveHost(BPoint(50, 50));
 	EXPECT_TRUE(ComesTo(BPoint(60, 200))) << "its own moves count as the user's";
 
