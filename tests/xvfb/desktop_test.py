@@ -66,7 +66,7 @@ class Placing(DesktopTest):
                  for part in ("windowmove", self.host, str(100 + i * 37 % 500), str(60 + i * 53 % 200))]
         self.screen.run("xdotool", *moves)
         self.settle()
-        self.assertEqual(self.offset(), offset, "after 300 moves")
+        wait_for(lambda: self.offset() == offset, f"the offset was {offset} after 300 moves")
 
         for i in range(10):
             left, top = self.screen.place(self.host)[:2]

@@ -151,4 +151,5 @@ class ScreenTest(unittest.TestCase):
 
     def assert_ended_well(self, program, code, took, limit=1.0):
         self.assertEqual(code, 0, "\n".join(program.errors))
-        self.assertLess(took, limit * SLOWNESS, "the end took too long")
+        shared = max(1, os.getloadavg()[0] / os.cpu_count())  # with so many others
+        self.assertLess(took, limit * SLOWNESS * shared, "the end took too long")
