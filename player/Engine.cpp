@@ -508,7 +508,7 @@ Engine::FileEnded(const mpv_event& event)
 		case MPV_END_FILE_REASON_EOF:
 			if (fLoaded != nullptr) // there was nothing to be heard, or less than its tags tell
 				BeginLoadedSong(fLoaded->start);
-			fSongEnded = true;
+			fSongEnded = !fWanted; // the one that is asked for cuts it off
 			return;
 		case MPV_END_FILE_REASON_ERROR:
 			SongFailed(index, fPlayer->ErrorText(end.error));
