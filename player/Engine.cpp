@@ -291,6 +291,9 @@ Engine::SeekRequested(bigtime_t position)
 		return;
 	EndFade();
 	position = std::max<bigtime_t>(position, 0);
+	HandleWaitingEvents(); // the player may have gone on to the next song
+	if (IsStopped())
+		return;
 	if (fSongEnded) {
 		SeekInSongBefore(position);
 		return;
@@ -304,7 +307,8 @@ Engine::SeekRequested(bigtime_t position)
 		fPlaced = true;
 		fState.Jump(position);
 		fListener.Sought();
-	}
+	} else
+		fLateSeek = position; // the player is leaving the song, and will tell
 }
 
 //!	The player has done with the song that is still heard: it is opened anew, or the next one begins at once.
@@ -389,6 +393,7 @@ Engine::Open(int32 index, bigtime_t position)
 	fRestarted = fRestarted && !fWanted; // the position is soon the new song's
 	fSongEnded = false;                  // what was heard is cut off
 	fPlaced = true;
+	fLateSeek.reset();
 }
 
 void
@@ -433,6 +438,19 @@ Engine::ResetList()
 }
 
 // #pragma mark - events
+
+//! All that the player has told by now.
+void
+Engine::HandleWaitingEvents()
+{
+	while (true) {
+		const mpv_event& event = *fPlayer->WaitEvent(0);
+		if (event.event_id == MPV_EVENT_NONE)
+			break;
+		HandleEvent(event);
+	}
+	fPlayer->Wakeup(); // one that came meanwhile was taken along
+}
 
 void
 Engine::HandleEvent(const mpv_event& event)
@@ -509,6 +527,8 @@ Engine::FileEnded(const mpv_event& event)
 			if (fLoaded != nullptr) // there was nothing to be heard, or less than its tags tell
 				BeginLoadedSong(fLoaded->start);
 			fSongEnded = !fWanted; // the one that is asked for cuts it off
+			if (fSongEnded && fLateSeek)
+				SeekInSongBefore(*fLateSeek);
 			return;
 		case MPV_END_FILE_REASON_ERROR:
 			SongFailed(index, fPlayer->ErrorText(end.error));
@@ -523,6 +543,7 @@ Engine::FileEnded(const mpv_event& event)
 			break;
 	}
 	fSongEnded = false;
+	fLateSeek.reset();
 	fLoaded.reset();
 	fState.Freeze();
 }

@@ -7,6 +7,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -120,6 +121,7 @@ private:
 	int32 IndexOf(int64_t id) const; // -1 if it is none of ours
 
 	// what the player tells
+	void HandleWaitingEvents();
 	void HandleEvent(const mpv_event& event);
 	void FileStarted(int64_t id);
 	void FileLoaded();
@@ -163,11 +165,12 @@ private:
 	bool fRestarted = false; // the opened file's sound is on its way
 	bool fSongEnded
 		= false; // the player has left the song that is told at its end: the output still holds some of it
-	bigtime_t fStart = 0;    // where the song that is wanted begins
-	bool fWanted = false;    // a song was asked for and is not opened yet
-	bool fPlaced = false;    // by a seek or an opening, and not heard from there yet
-	bool fOpened = false;    // a file was opened since the list was idle
-	bool fAnnounced = false; // a song is told that has no sound yet
+	bigtime_t fStart = 0;               // where the song that is wanted begins
+	bool fWanted = false;               // a song was asked for and is not opened yet
+	std::optional<bigtime_t> fLateSeek; // came when the player was leaving the song that is told
+	bool fPlaced = false;               // by a seek or an opening, and not heard from there yet
+	bool fOpened = false;               // a file was opened since the list was idle
+	bool fAnnounced = false;            // a song is told that has no sound yet
 	bool fAnyPlayed = false;
 	bool fToldSilence = false;
 };
