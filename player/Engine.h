@@ -163,10 +163,9 @@ private:
 	bool fPaused = false;
 	bool fSilent = true;     // no sound output, as far as is known
 	bool fRestarted = false; // the opened file's sound is on its way
-	bool fSongEnded
-		= false; // the player has left the song that is told at its end: the output still holds some of it
-	bigtime_t fStart = 0;               // where the song that is wanted begins
-	bool fWanted = false;               // a song was asked for and is not opened yet
+	bool fSongEnded = false; // the song that is told is over but for what the output holds
+	bigtime_t fStart = 0;    // where the song that is wanted begins
+	bool fWanted = false;    // a song was asked for and is not opened yet
 	std::optional<bigtime_t> fLateSeek; // came when the player was leaving the song that is told
 	bool fPlaced = false;               // by a seek or an opening, and not heard from there yet
 	bool fOpened = false;               // a file was opened since the list was idle
