@@ -29,6 +29,13 @@ struct Program {
 	std::string keys; // what a literal in the sources begins with when it is a key
 };
 
+//! What lists of the tests call it.
+void
+PrintTo(const Program& program, std::ostream* list)
+{
+	*list << program.languages.string();
+}
+
 const Program kPrograms[] = {
 	{"addon", "Language", {"framework", "host", "lyrics", "plugin", "prefs"},
 		"PopMItem|Tab|CBox|MField|TxtCtrl|RButton|Box|StrView|StatBarStr|Button|Win_Title|Panel_"

@@ -2,6 +2,7 @@
 
 #include <Looper.h>
 #include <mutex>
+#include <ostream>
 #include <string>
 #include <thread>
 
@@ -117,6 +118,13 @@ struct Case {
 	const char* input;
 	const char* told;
 };
+
+//! What lists of the tests call it.
+void
+PrintTo(const Case& mouseCase, std::ostream* list)
+{
+	*list << mouseCase.input;
+}
 
 class MouseCases : public Mouse, public testing::WithParamInterface<Case> { };
 
