@@ -6,6 +6,7 @@
 
 #include <Entry.h>
 #include <MessageRunner.h>
+#include <sys/stat.h>
 
 #include "framework/TMERView.h"
 #include "framework/TQuestion.h"
@@ -73,7 +74,6 @@ public:
 
 private:
 	// The song and its lines
-	void StartFrontEnd();
 	void SongChanged();
 	void PrepareLyrics();
 	bool LoadLyrics();
@@ -149,9 +149,8 @@ private:
 	float fFontHeight = 0; // ascent and descent, pixels
 	float fLinePitch = 1;  // from one line to the next
 	std::unique_ptr<BBitmap> fBGImage;
-	std::string fBGImageFile; // that fBGImage was loaded from, or could not be
-	int32 fBGImageTime = 0;   // modification time of it then
-	off_t fBGImageSize = 0;   // bytes of it then
+	std::string fBGImageFile;       // that fBGImage was loaded from, or could not be
+	struct stat fBGImageState = {}; // of the file then
 	std::unique_ptr<BBitmap> fOffScreen;
 	BView* fOSView = nullptr;    // fOffScreen's
 	int32 fPreRenderedLine = -1; // whose picture fOffScreen holds; -1: none

@@ -16,7 +16,8 @@ constexpr float kMinFontSize = 1; // a settings file may hold anything
 constexpr float kMaxFontSize = 500;
 constexpr size_t kMaxDrawnBytes = 4096; // wider than any screen
 
-// What can be seen of a line: all of it, or the middle of one that is much too long, which is the part in the window.
+// What can be seen of a line: all of it, or the middle of one that is much too long. By its bytes, since measuring
+// megabytes would hold the window up: of one whose halves are not equally wide it is not quite the middle of the width.
 std::string_view
 drawable_part(std::string_view line)
 {
@@ -39,18 +40,26 @@ usable_font_size(float size)
 	return size > kMinFontSize ? std::min(size, kMaxFontSize) : kMinFontSize;
 }
 
-int32
-modification_time(const BEntry& entry)
+//! All zero when there is no such file.
+struct stat
+state_of(const std::string& file)
 {
-	time_t time;
-	return entry.GetModificationTime(&time) == B_OK ? time : 0;
+	struct stat state;
+	if (BEntry(file.c_str(), true).GetStat(&state) != B_OK)
+		state = {};
+	return state;
 }
 
-off_t
-size_of(const BEntry& entry)
+//! Also when it was written within a second, or its time was set back, or it has become readable.
+bool
+has_changed(const struct stat& before, const struct stat& now)
 {
-	off_t size;
-	return entry.GetSize(&size) == B_OK ? size : 0;
+	const auto differ = [](const timespec& a, const timespec& b) {
+		return a.tv_sec != b.tv_sec || a.tv_nsec != b.tv_nsec;
+	};
+	return now.st_dev != before.st_dev || now.st_ino != before.st_ino
+		|| now.st_size != before.st_size || differ(now.st_mtim, before.st_mtim)
+		|| differ(now.st_ctim, before.st_ctim);
 }
 
 } // namespace
@@ -102,15 +111,12 @@ bool
 TTavoraDView::ReadBGImage(const std::string& file)
 {
 	// Each step of a resize comes by here: a file that is as it was is not read again, not even one that is no image.
-	const BEntry entry(file.c_str(), true);
-	const int32 time = modification_time(entry);
-	const off_t size = size_of(entry);
-	if (file == fBGImageFile && time == fBGImageTime && size == fBGImageSize)
+	const struct stat state = state_of(file);
+	if (file == fBGImageFile && !has_changed(fBGImageState, state))
 		return fBGImage != nullptr;
 	fBGImage.reset(BTranslationUtils::GetBitmap(file.c_str()));
 	fBGImageFile = file;
-	fBGImageTime = time;
-	fBGImageSize = size;
+	fBGImageState = state;
 	return fBGImage != nullptr;
 }
 

@@ -365,6 +365,17 @@ TEST_F(DrawingTest, OverAnImageThereIsOnlyTheFrame)
 	fView->PrefAppearanceChanged();
 	Draw();
 	EXPECT_FALSE(Colors().count(0x040506));
+	EXPECT_TRUE(Colors().count(pixel_of(kRed)));
+	std::string grey = fFolder.Read("image.ppm");
+	std::fill(grey.end() - 300, grey.end(), '\x80');
+	const std::string other = fFolder.Write("other.ppm", grey);
+	std::filesystem::last_write_time(
+		other, std::filesystem::last_write_time(fFolder / "broken.png"));
+	std::filesystem::rename(other, fFolder / "broken.png"); // of its size and time
+	fView->PrefAppearanceChanged();
+	Draw();
+	EXPECT_FALSE(Colors().count(pixel_of(kRed)));
+	EXPECT_TRUE(Colors().count(0x808080));
 	for (const bool isUsed : {false, true}) {
 		gPref->fUseBGImage = isUsed;
 		fView->PrefAppearanceChanged();
