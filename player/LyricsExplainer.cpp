@@ -43,7 +43,10 @@ LyricsExplainer::ExplainRqtd(int32 index)
 {
 	std::string explanation;
 	Tell(index);
-	fOk = explain_lyrics(fDeck, system_time() + kViewTime, explanation) && fOk;
+	const auto isAskedToStop = [this] { return IsMessageWaiting(); }; // only the end is told here
+	fOk = explain_lyrics(fDeck, system_time() + kViewTime, isAskedToStop, explanation) && fOk;
+	if (isAskedToStop())
+		return;
 	printf("%s%s", index > 0 ? "\n" : "", explanation.c_str());
 	const bool isRead = fflush(stdout) == 0;
 	if (isRead && index + 1 < fList.CountEntries()) {

@@ -21,16 +21,6 @@ constexpr bigtime_t kPulse = 20000;
 // The display looks every 25 ms and then draws.
 constexpr bigtime_t kDrawingTime = 80000;
 
-bool
-save_picture(BWindow* window, const std::string& file)
-{
-	if (!window->Lock())
-		return false;
-	status_t status = BPrivate::save_window_picture(window, file.c_str());
-	window->Unlock();
-	return status == B_OK;
-}
-
 std::string
 current_line(const BMessenger& view)
 {
@@ -158,16 +148,18 @@ void
 LyricsWatch::TakeSnapshot()
 {
 	std::string file = std::exchange(fWish.snapshot, "");
-	BLooper* looper = nullptr;
 	if (!fView.IsValid())
 		FindView();
-	fView.Target(&looper);
-	auto window = dynamic_cast<BWindow*>(looper);
-	if (window == nullptr) {
+	if (!fView.LockTarget()) {
 		fprintf(stderr, "qubo: there is no lyrics window to take a picture of\n");
 		fOk = false;
-	} else if (!save_picture(window, file)) {
+		return;
+	}
+	BLooper* looper;
+	fView.Target(&looper);
+	if (BPrivate::save_window_picture(dynamic_cast<BWindow*>(looper), file.c_str()) != B_OK) {
 		fprintf(stderr, "qubo: the picture %s cannot be written\n", file.c_str());
 		fOk = false;
 	}
+	looper->Unlock();
 }

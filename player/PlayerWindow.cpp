@@ -98,10 +98,12 @@ add_on_item(TextKey key, uint32 code, int32 index)
 
 } // namespace
 
-PlayerWindow::PlayerWindow(Deck& deck, PlayState& list, int32 volume)
+PlayerWindow::PlayerWindow(
+	Deck& deck, PlayState& list, int32 volume, const std::atomic<bool>& ending)
 	: BWindow(kFrame, kQuboWindowTitle, B_TITLED_WINDOW, B_ASYNCHRONOUS_CONTROLS),
 	  fDeck(deck),
-	  fPlaylist(list)
+	  fPlaylist(list),
+	  fEnding(ending)
 {
 	BuildMenus();
 	BuildViews(fMenuBar->Frame().bottom + 1);
@@ -514,7 +516,7 @@ PlayerWindow::AddFiles(const std::vector<std::string>& paths)
 {
 	for (const std::string& path : paths) {
 		std::vector<std::string> files;
-		if (!collect_media_files(path, files))
+		if (!collect_media_files(path, files, fEnding))
 			continue;
 		for (const std::string& file : files)
 			fPlaylist.Add(file);

@@ -6,6 +6,7 @@
 
 #include <Window.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,8 +27,9 @@ class PlayState;
 	quit; it closes when that does. Owner: itself. */
 class PlayerWindow : public BWindow {
 public:
-	//! What is dropped on it goes into `list`, the engine's.
-	PlayerWindow(Deck& deck, PlayState& list, int32 volume);
+	/*!	What is dropped on it goes into `list`, the engine's; a folder that is being read is left when another thread sets `ending`. All
+		of them outlive the window. */
+	PlayerWindow(Deck& deck, PlayState& list, int32 volume, const std::atomic<bool>& ending);
 	~PlayerWindow() override;
 
 	void DispatchMessage(BMessage* message, BHandler* target) override;
@@ -68,6 +70,7 @@ private:
 
 	Deck& fDeck;
 	PlayState& fPlaylist;
+	const std::atomic<bool>& fEnding;
 	BMenuBar* fMenuBar = nullptr;
 	BMenu* fFollowMenu = nullptr;
 	BMenu* fAddOnsMenu = nullptr;

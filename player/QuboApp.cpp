@@ -56,9 +56,10 @@ void
 QuboApp::ReadyToRun()
 {
 	AddFiles();
-	if (!fLine.files.empty() && fState.CountEntries() == 0) {
-		fExitCode = 1;
-		PostMessage(B_QUIT_REQUESTED);
+	const bool nothing = !fLine.files.empty() && fState.CountEntries() == 0;
+	if (nothing || fEnding) {
+		fExitCode = fEnding ? 0 : 1;
+		BeginQuit(); // before any request that came meanwhile is looked at
 		return;
 	}
 	MakeFollower();
@@ -163,7 +164,7 @@ QuboApp::AddFiles()
 {
 	for (const std::string& name : fLine.files) {
 		std::vector<std::string> paths;
-		if (!collect_media_files(name, paths)) {
+		if (!collect_media_files(name, paths, fEnding)) {
 			Report(text(kTextCannotPlay, name, text(kTextReasonNotThere)));
 			if (fLine.explain) // which asks about each
 				fExitCode = 1;
@@ -186,7 +187,7 @@ QuboApp::MakeFollower()
 void
 QuboApp::OpenWindow()
 {
-	auto window = new PlayerWindow(fDeck, fState, fLine.volume.value_or(kFullVolume));
+	auto window = new PlayerWindow(fDeck, fState, fLine.volume.value_or(kFullVolume), fEnding);
 	{
 		std::lock_guard lock(fWindowLock);
 		fWindow = BMessenger(window);
@@ -317,7 +318,8 @@ QuboApp::AnswerSession(const BMessage& request, BMessage& reply)
 {
 	if (request.what == kMsgExplain) {
 		std::string explanation;
-		const bool isWhole = explain_lyrics(fDeck, system_time() + kExplainTime, explanation);
+		const bool isWhole = explain_lyrics(
+			fDeck, system_time() + kExplainTime, [this] { return fEnding.load(); }, explanation);
 		reply = BMessage(B_REPLY);
 		reply.AddString("text", explanation.c_str());
 		reply.AddBool("ok", isWhole);
@@ -419,7 +421,7 @@ QuboApp::RaiseAsked()
 void
 QuboApp::QuitAsked()
 {
-	PostMessage(B_QUIT_REQUESTED);
+	AskToEnd();
 }
 
 void
@@ -498,6 +500,13 @@ QuboApp::AddOnFailed(const std::string& path, const std::string& reason)
 // #pragma mark - the end
 
 void
+QuboApp::AskToEnd()
+{
+	fEnding = true;
+	PostMessage(B_QUIT_REQUESTED);
+}
+
+void
 QuboApp::PlayingEndedRqtd(BMessage* message)
 {
 	if (fQuitting)
@@ -525,6 +534,7 @@ QuboApp::BeginQuit()
 {
 	if (std::exchange(fQuitting, true))
 		return;
+	fEnding = true;
 	fEngine.Stop();
 	UpdateServer();
 	if (fWatch.SendMessage(B_QUIT_REQUESTED) != B_OK)

@@ -14,6 +14,7 @@
 #include <Application.h>
 #include <Messenger.h>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -33,6 +34,9 @@ public:
 	/*!	Answers another process's request (player_messages.h); false while the program is ending. Waits for the application and, to
 		explain, the lyrics window: on a thread of its own. */
 	bool AnswerSession(const BMessage& request, BMessage& reply);
+
+	//! Ends the program in order, soon whatever it does. Any thread.
+	void AskToEnd();
 
 	//! After Run(): 0, or 1 when nothing could be played or what was wanted could not be written.
 	int ExitCode() const { return fExitCode; }
@@ -111,6 +115,7 @@ private:
 	bool fMayFollow;        // a player that is running already
 	bool fLookedAt = false; // an add-on has asked what plays
 	bool fStarted = false;
+	std::atomic<bool> fEnding{false}; // asked for on any thread: what takes long is left
 	bool fQuitting = false;
 	bool fAddOnsGone = false;
 	bool fWatchGone = false;

@@ -122,7 +122,8 @@ explain_absence(const BMessage& source, std::string& lines)
 } // namespace
 
 bool
-explain_lyrics(const Deck& deck, bigtime_t end, std::string& explanation)
+explain_lyrics(const Deck& deck, bigtime_t end, const std::function<bool()>& isAskedToStop,
+	std::string& explanation)
 {
 	const std::string title = deck.State().Info().title;
 	explanation.clear();
@@ -135,7 +136,7 @@ explain_lyrics(const Deck& deck, bigtime_t end, std::string& explanation)
 		add_line(explanation, line);
 	BMessage source;
 	while (!ask_view(title, source)) {
-		if (system_time() > end) {
+		if (system_time() > end || isAskedToStop()) {
 			add_line(explanation, text(kTextNoLyrics, text(kTextReasonNoView)));
 			return false;
 		}

@@ -41,7 +41,7 @@ run_program(const CommandLine& line, SessionInstance* session)
 	tune_allocator();
 	SignalWatch signals;
 	QuboApp application(line);
-	signals.Start([&application] { application.PostMessage(B_QUIT_REQUESTED); });
+	signals.Start([&application] { application.AskToEnd(); });
 	if (session != nullptr) {
 		session->Start([&application](const BMessage& request, BMessage& reply) {
 			return application.AnswerSession(request, reply);

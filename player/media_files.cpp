@@ -75,11 +75,12 @@ first_visit(const fs::path& folder, std::set<FolderId>& visited)
 }
 
 std::vector<std::string>
-visible_names(const fs::path& folder)
+visible_names(const fs::path& folder, const std::atomic<bool>& stop)
 {
 	std::vector<std::string> names;
 	std::error_code error;
-	for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+	for (fs::directory_iterator it(folder, error), end; !error && it != end && !stop;
+		 it.increment(error)) {
 		std::string name = it->path().filename();
 		if (name[0] != '.')
 			names.push_back(name);
@@ -89,15 +90,18 @@ visible_names(const fs::path& folder)
 }
 
 void
-collect_folder(const fs::path& folder, std::set<FolderId>& visited, std::vector<std::string>& files)
+collect_folder(const fs::path& folder, std::set<FolderId>& visited, std::vector<std::string>& files,
+	const std::atomic<bool>& stop)
 {
 	if (!first_visit(folder, visited))
 		return;
-	for (const std::string& name : visible_names(folder)) {
+	for (const std::string& name : visible_names(folder, stop)) {
+		if (stop)
+			return;
 		fs::path path = folder / name;
 		std::error_code error;
 		if (fs::is_directory(path, error))
-			collect_folder(path, visited, files);
+			collect_folder(path, visited, files, stop);
 		else if (fs::is_regular_file(path, error) && has_media_extension(name))
 			files.push_back(path);
 	}
@@ -124,7 +128,8 @@ has_media_extension(const std::string& name)
 }
 
 bool
-collect_media_files(const std::string& path, std::vector<std::string>& files)
+collect_media_files(
+	const std::string& path, std::vector<std::string>& files, const std::atomic<bool>& stop)
 {
 	std::error_code error;
 	fs::path absolute = fs::absolute(path, error).lexically_normal();
@@ -134,7 +139,7 @@ collect_media_files(const std::string& path, std::vector<std::string>& files)
 		absolute = absolute.parent_path();
 	std::set<FolderId> visited;
 	if (fs::is_directory(absolute, error))
-		collect_folder(absolute, visited, files);
+		collect_folder(absolute, visited, files, stop);
 	else
 		files.push_back(absolute);
 	return true;

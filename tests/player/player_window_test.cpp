@@ -60,7 +60,7 @@ protected:
 			write_wave(fDir / name, 20);
 			fState.Add(fDir / name);
 		}
-		fWindow = new PlayerWindow(fDeck, fState, 50);
+		fWindow = new PlayerWindow(fDeck, fState, 50, fEnding);
 		fListener.window = BMessenger(fWindow);
 		fWindow->Show();
 	}
@@ -121,6 +121,7 @@ protected:
 	WindowTeller fListener;
 	Engine fEngine{fState, fListener};
 	Deck fDeck{fEngine};
+	std::atomic<bool> fEnding{false};
 	PlayerWindow* fWindow;
 };
 

@@ -289,6 +289,18 @@ TEST_F(Program, EndsInOrderWithinASecondOnASignal)
 	EXPECT_LT(fastest, 1);
 }
 
+TEST_F(Program, EndsWhileItWaitsForLyricsToExplain)
+{
+	Child child = Start({"--headless", "--explain", Wave("1.wav", 0.1), Wave("2.wav", 0.1)});
+	ASSERT_TRUE(child.WaitForOutput("No lyrics")) << child.errors;
+	const double before
+		= Child::Now(); // of the second song, of which nothing will be known for 5 s
+	child.Kill(SIGTERM);
+	EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
+	EXPECT_LT(Child::Now() - before, 3);
+	EXPECT_THAT(child.output, Not(HasSubstr("2.wav")));
+}
+
 TEST_F(Program, EndsWellWheneverItIsAskedTo)
 {
 	InstallAddOn();
@@ -398,6 +410,22 @@ TEST_F(Program, PlaysItselfWhenTheFirstOneIsDeadOrDeaf)
 	EXPECT_TRUE(WaitUntilPlays(other)) << "it has taken what the other one played itself";
 	next->Kill(SIGTERM);
 	EXPECT_EQ(next->WaitForExit(), 0) << next->errors;
+}
+
+TEST_F(Program, TakesNoRequestsWhenItHasFoundNothingToPlay)
+{
+	for (int i = 0; i < 5000; i++) // takes it a while to look through
+		std::filesystem::create_directories(Path("empty") + '/' + std::to_string(i));
+	const auto first = StartInSession({Path("empty")});
+	ASSERT_TRUE(wait_until([&] {
+		return std::ranges::any_of(std::filesystem::directory_iterator(fDir.Path()),
+			[](const auto& entry) { return entry.path().extension() == ".lock"; });
+	}));
+	const auto second = StartInSession({"--follow"});
+	EXPECT_EQ(first->WaitForExit(), 1) << first->errors;
+	EXPECT_FALSE(wait_until([&] { return second->HasExited(); }, std::chrono::seconds(1)));
+	second->Kill(SIGTERM);
+	EXPECT_EQ(second->WaitForExit(), 0) << second->errors;
 }
 
 TEST_F(Program, OneOfSeveralThatStartAtOnceStays)
