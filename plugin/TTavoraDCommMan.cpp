@@ -50,8 +50,7 @@ TTavoraDCommMan::~TTavoraDCommMan()
 		MessageReceived(&close);
 	}
 	gIAP->Stop();
-	RemoveHandler(fLanguageWatcher);
-	delete fLanguageWatcher;
+	delete fLanguageWatcher; // stops watching, for which it must still be this looper's
 }
 
 void
@@ -176,9 +175,12 @@ TTavoraDCommMan::ChangeReceived(BMessage* message)
 void
 TTavoraDCommMan::OpenMainWindowRqtd()
 {
-	if (fMainWindow.Get() == nullptr)
-		fMainWindow.Set(new TTavoraDWin(gExitState->WindowFrame(), this));
-	fMainWindow.Get()->Appear();
+	TTavoraDWin* window = fMainWindow.Get();
+	if (window == nullptr) {
+		window = new TTavoraDWin(gExitState->WindowFrame(), this);
+		fMainWindow.Set(window);
+	}
+	window->Appear();
 }
 
 void
@@ -208,8 +210,9 @@ TTavoraDCommMan::PostPlacement(uint32 what)
 void
 TTavoraDCommMan::OpenPrefWindowRqtd(const BMessage* message)
 {
-	if (fPrefWindow.Get() == nullptr) {
-		TPrefWin* window = new TPrefWin(kPrefFrame, this);
+	TPrefWin* window = fPrefWindow.Get();
+	if (window == nullptr) {
+		window = new TPrefWin(kPrefFrame, this);
 		if (window->InitCheck() != B_OK) {
 			if (window->Lock())
 				window->Quit();
@@ -222,21 +225,22 @@ TTavoraDCommMan::OpenPrefWindowRqtd(const BMessage* message)
 		window->SetFeel(B_FLOATING_ALL_WINDOW_FEEL);
 		fPrefWindow.Set(window);
 	}
-	fPrefWindow.Get()->Appear();
+	window->Appear();
 }
 
 void
 TTavoraDCommMan::OpenAboutWindowRqtd(const BMessage* message)
 {
-	if (fAboutWindow.Get() == nullptr) {
-		auto* window = new merion::TMERAboutWin(new merion::TSimpleAboutView(
+	merion::TMERAboutWin* window = fAboutWindow.Get();
+	if (window == nullptr) {
+		window = new merion::TMERAboutWin(new merion::TSimpleAboutView(
 			new TTavInfoView(merion::TSimpleAboutView::AppInfoFrame())));
 		window->SetPos(message->GetBool("BesideDlg", false), message->GetRect("WinFrame", BRect()));
 		window->SetAppInfo();
 		window->SetIAPRef(gIAP);
 		fAboutWindow.Set(window);
 	}
-	fAboutWindow.Get()->Appear();
+	window->Appear();
 }
 
 void
@@ -287,8 +291,8 @@ TTavoraDCommMan::NodeLanguageChanged()
 void
 TTavoraDCommMan::LanguageChanged()
 {
-	if (fAboutWindow.Get() != nullptr)
-		fAboutWindow.Get()->SetAppInfo();
+	if (merion::TMERAboutWin* window = fAboutWindow.Get(); window != nullptr)
+		window->SetAppInfo();
 	set_node_monitor_language(tavora_displayer_fname().c_str(), fLanguageWatcher);
 }
 
@@ -296,8 +300,10 @@ void
 TTavoraDCommMan::IAPChanged(const BMessage* message)
 {
 	// One that is not ours changes nothing here.
-	if (gIAP->SetValue(*message) == B_OK && fAboutWindow.Get() != nullptr)
-		fAboutWindow.Get()->SetIAPRef(gIAP);
+	if (gIAP->SetValue(*message) != B_OK)
+		return;
+	if (merion::TMERAboutWin* window = fAboutWindow.Get(); window != nullptr)
+		window->SetIAPRef(gIAP);
 }
 
 void

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <utility>
-
 #include <Messenger.h>
 #include <Window.h>
 
@@ -18,11 +16,13 @@ public:
 	//! Null while it is closed.
 	Window* Get() const { return fMessenger.IsValid() ? fWindow : nullptr; }
 
-	//! Empties the slot; the window stays as it is.
+	//! As Get(), and empties the slot; the window stays as it is.
 	Window* Take()
 	{
+		Window* window = Get();
 		fMessenger = BMessenger();
-		return std::exchange(fWindow, nullptr);
+		fWindow = nullptr;
+		return window;
 	}
 
 	//! To the window itself; does nothing while it is closed.
@@ -31,7 +31,7 @@ public:
 	//! False while it is closed.
 	bool GetFrame(BRect* frame) const
 	{
-		if (fWindow == nullptr || !fWindow->Lock())
+		if (!fMessenger.LockTarget())
 			return false;
 		*frame = fWindow->Frame();
 		fWindow->Unlock();
@@ -39,6 +39,7 @@ public:
 	}
 
 private:
-	Window* fWindow = nullptr;
+	Window* fWindow
+		= nullptr; // may be gone, and another window in its place: only fMessenger tells
 	BMessenger fMessenger;
 };

@@ -94,7 +94,7 @@ TEST_F(FrontEndTest, InfoThatIsTooShortIsIgnored)
 	Qubo_FrontEnd frontEnd(false, 1000);
 	host().Play("First", 1);
 	ASSERT_TRUE(AskForTitle(frontEnd, "First"));
-	for (const size_t size : {0, 1, 123}) {
+	for (const size_t size : {123, 0, 1}) { // what one leaves is seen after the next
 		host().Play("Short", 2);
 		host().SetInfoSize(size);
 		const int32 before = host().CountOf(kQuboInfo);

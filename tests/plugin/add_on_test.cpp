@@ -1,4 +1,7 @@
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
 
 #include <Window.h>
 #include <image.h>
@@ -84,6 +87,19 @@ count_lyrics_windows()
 	return count;
 }
 
+//! The files and folders that the kernel watches for this process.
+int
+count_watches()
+{
+	int count = 0;
+	for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fdinfo")) {
+		std::ifstream info(entry.path());
+		for (std::string line; std::getline(info, line);)
+			count += line.starts_with("inotify wd:");
+	}
+	return count;
+}
+
 class AddOnTest : public DisplayFixture {
 protected:
 	AddOnTest()
@@ -165,16 +181,20 @@ TEST_F(AddOnTest, ShowsItsWindowAndSavesItsPlace)
 
 TEST_F(AddOnTest, NeedsNeitherInitNorCleanup)
 {
+	const int watches = count_watches();
 	LoadedAddOn addOn;
 	ASSERT_TRUE(addOn.IsLoaded());
 	addOn.MakePlugin();
+	EXPECT_GT(count_watches(), watches) << "the language files";
 	addOn.Delete();
+	EXPECT_EQ(count_watches(), watches);
 	addOn.MakePlugin()->Cleanup();
 	addOn.Delete();
 	addOn.MakePlugin()->Init();
 	ASSERT_TRUE(wait_until([] { return count_lyrics_windows() == 1; }));
 	addOn.Delete();
 	EXPECT_EQ(count_lyrics_windows(), 0);
+	EXPECT_EQ(count_watches(), watches);
 }
 
 TEST_F(AddOnTest, IsGoneAfterEachUnloading)
