@@ -30,6 +30,16 @@ heap_copy(const std::string& text)
 	return copy;
 }
 
+//! They outlive the plug-in object.
+merion::TInterAppPrefs*
+make_common_prefs()
+{
+	auto* prefs = new merion::TInterAppPrefs;
+	prefs->SetAppSignatureRef(gAppSignature);
+	prefs->AddItem(new merion::TIAPItemAccKeyFormat);
+	return prefs;
+}
+
 std::string
 chosen_language_file()
 {
@@ -55,9 +65,7 @@ TTavoraD::TTavoraD(PluginConstructorStruct*)
 	merion::allow_alerts();
 	gAppPrivacy = new merion::TAppPrivacy(chosen_language_file);
 	gExitState = new TExitState;
-	gIAP = new merion::TInterAppPrefs;
-	gIAP->SetAppSignatureRef(gAppSignature);
-	gIAP->AddItem(new merion::TIAPItemAccKeyFormat);
+	gIAP = make_common_prefs();
 	gPref = new TPref;
 	load_global(kShortName, kExitStateName);
 	gLLT = new merion::TLLT;
