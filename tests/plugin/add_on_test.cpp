@@ -237,8 +237,8 @@ TEST_F(AddOnTest, QuitsAtAnyMomentOfASongChange)
 	}
 }
 
-// The last one: the add-on stays in memory. The leak sanitizer tells what is kept on purpose from what is not only by the functions' names, which
-// would go with it.
+// The last one: the add-on stays in memory, and with it the names by which the leak sanitizer tells what is kept on purpose
+// from what is forgotten.
 TEST_F(AddOnTest, ForgetsNothing)
 {
 	ASSERT_NE(dlopen(ADD_ON, RTLD_NOW | RTLD_NODELETE), nullptr);
