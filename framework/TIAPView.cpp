@@ -8,8 +8,6 @@
 
 #include "framework/TIAPItem.h"
 #include "framework/TInterAppPrefs.h"
-#include "framework/TLLT.h"
-#include "framework/dialogs.h"
 #include "framework/framework_codes.h"
 
 namespace merion {
@@ -137,10 +135,8 @@ TIAPView::ItemChanged(const BMessage* message)
 void
 TIAPView::ChangeValue(const TIAPItem* item, int32 value)
 {
-	const status_t status = fPrefs->ChangeValue(item->Name(), value);
-	if (status != B_OK)
-		show_alert(gLLT->Text("Alert_Caption"), gLLT->Text("Err_Cannot_Save_Common_Pref"),
-			gLLT->Text("Button_OK"));
+	if (fPrefs->ChangeValue(item->Name(), value) != B_OK)
+		fPrefs->ReportFailure();
 }
 
 TIAPView::Row*

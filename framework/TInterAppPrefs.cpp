@@ -1,6 +1,7 @@
 #include "framework/TInterAppPrefs.h"
 
 #include <cstring>
+#include <utility>
 
 #include <Application.h>
 
@@ -54,6 +55,12 @@ TInterAppPrefs::AddItem(TIAPItem* item)
 	item->Unarchive(load_common_prefs());
 	std::lock_guard locker(fLock);
 	fItems.emplace_back(item);
+}
+
+void
+TInterAppPrefs::SetFailureReport(std::function<void()> report)
+{
+	fFailureReport = std::move(report);
 }
 
 int32
@@ -173,6 +180,13 @@ void
 TInterAppPrefs::PostToWindow(BMessage* message) const
 {
 	Window().SendMessage(message, static_cast<BHandler*>(nullptr), 0);
+}
+
+void
+TInterAppPrefs::ReportFailure() const
+{
+	if (fFailureReport)
+		fFailureReport();
 }
 
 BMessenger

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -30,6 +31,9 @@ public:
 	void SetAppSignatureRef(const char* signature);
 	//! Takes the item over, and loads its value. The item stays for as long as this object.
 	void AddItem(TIAPItem* item);
+	/*!	How the application tells its user that a change made in the window could not be stored; without it nobody does. Before the first
+		ShowWindow(). Thread of the calls: the window's. */
+	void SetFailureReport(std::function<void()> report);
 	int32 CountItems() const;
 	//! In the order of adding; NULL when out of range.
 	TIAPItem* ItemAt(int32 index) const;
@@ -55,6 +59,8 @@ public:
 	void CloseWindow(bool hideOnly);
 	//! For what it is to hear of: kLanguageChanged (SetValue() tells it of values). Nothing when there is none. Any thread.
 	void PostToWindow(BMessage* message) const;
+	//! For the window: its change could not be stored.
+	void ReportFailure() const;
 
 	/*!	Ends the thread, for good: when it returns, nothing of this object runs or will. Not with a lock that the
 		application's looper may wait for, and not on the thread that reads the port. May be called twice. */
@@ -68,6 +74,7 @@ private:
 	mutable std::mutex fLock; // guards the list and the messenger; the items guard themselves
 	std::vector<std::unique_ptr<TIAPItem>> fItems;
 	BMessenger fWindow; // to it, guarded by fLock
+	std::function<void()> fFailureReport;
 	std::mutex
 		fPortLock; // guards the port, also while something is sent; its reader never takes it
 	std::unique_ptr<TIAPPort> fPort; // null before SetAppSignatureRef() and after Stop()

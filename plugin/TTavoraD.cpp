@@ -37,6 +37,10 @@ make_common_prefs()
 	auto* prefs = new merion::TInterAppPrefs;
 	prefs->SetAppSignatureRef(gAppSignature);
 	prefs->AddItem(new merion::TIAPItemAccKeyFormat);
+	prefs->SetFailureReport([] {
+		merion::show_alert(gLLT->Text("Alert_Caption"), gLLT->Text("Err_Cannot_Save_Common_Pref"),
+			gLLT->Text("Button_OK"));
+	});
 	return prefs;
 }
 

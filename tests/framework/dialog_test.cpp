@@ -4,6 +4,7 @@
 #include <CheckBox.h>
 #include <StringView.h>
 #include <atomic>
+#include <filesystem>
 #include <thread>
 
 #include "framework/TIAPItemAccKeyFormat.h"
@@ -20,6 +21,7 @@
 #include "support/display.h"
 #include "support/label_faults.h"
 #include "support/languages.h"
+#include "support/temp_folder.h"
 
 using namespace merion;
 
@@ -316,8 +318,12 @@ TEST_F(Box, IsDismissedAtOnceFromAnotherThread)
 
 TEST(CommonPreferences, ApplyAtOnceAndCancelPutsBack)
 {
+	const TempFolder settings;
+	setenv("XDG_CONFIG_HOME", (settings / "").c_str(), 1);
 	ASSERT_TRUE(load_shipped_language("English"));
+	std::atomic<int> failures = 0;
 	TInterAppPrefs prefs;
+	prefs.SetFailureReport([&failures] { failures++; });
 	prefs.AddItem(new TIAPItemAccKeyFormat);
 	prefs.AddItem(new TIAPItemFlatToolBar);
 	ASSERT_EQ(prefs.ChangeValue("FlatToolBar", 0), B_OK);
@@ -347,6 +353,16 @@ TEST(CommonPreferences, ApplyAtOnceAndCancelPutsBack)
 	type_key(window, Qt::Key_Return);
 	EXPECT_TRUE(is_hidden(window));
 	EXPECT_TRUE(value(1)) << "OK does not keep it";
+	EXPECT_EQ(failures, 0);
+
+	const std::filesystem::path file = settings / "MERION/Shared/MERION_Common_Prefs.arc";
+	ASSERT_TRUE(std::filesystem::remove(file));
+	std::filesystem::create_directories(file / "in its place");
+	window->Appear();
+	settle(window);
+	clickBox();
+	EXPECT_TRUE(value(0)) << "it is not even in effect";
+	EXPECT_TRUE(wait_until([&] { return failures == 1; })) << "nobody says that it will not last";
 	for (const char* language : kLanguages) {
 		ASSERT_TRUE(load_shipped_language(language));
 		ASSERT_TRUE(window->Lock());
