@@ -1,7 +1,6 @@
 #include "PlayerWindow.h"
 
 #include "Deck.h"
-#include "media_files.h"
 #include "player_messages.h"
 #include "settings.h"
 
@@ -98,12 +97,11 @@ add_on_item(TextKey key, uint32 code, int32 index)
 
 } // namespace
 
-PlayerWindow::PlayerWindow(
-	Deck& deck, PlayState& list, int32 volume, const std::atomic<bool>& ending)
+PlayerWindow::PlayerWindow(Deck& deck, PlayState& list, int32 volume, const BMessenger& finder)
 	: BWindow(kFrame, kQuboWindowTitle, B_TITLED_WINDOW, B_ASYNCHRONOUS_CONTROLS),
 	  fDeck(deck),
 	  fPlaylist(list),
-	  fEnding(ending)
+	  fFinder(finder)
 {
 	BuildMenus();
 	BuildViews(fMenuBar->Frame().bottom + 1);
@@ -336,6 +334,9 @@ PlayerWindow::MessageReceived(BMessage* message)
 		case kMsgPlayFiles:
 			PlayFilesRqtd(message);
 			break;
+		case kMsgFilesFound:
+			FilesFound(message);
+			break;
 		case kMsgAddOnsLoaded:
 			AddOnsLoaded(message);
 			break;
@@ -479,50 +480,40 @@ PlayerWindow::MItemOpenClicked()
 void
 PlayerWindow::FilesDropped(BMessage* message)
 {
-	int32 first = fPlaylist.CountEntries();
+	BMessage find(kMsgFindFiles);
 	entry_ref ref;
-	std::vector<std::string> paths;
 	for (int32 i = 0; message->FindRef("refs", i, &ref) == B_OK; i++) {
 		if (BPath path(&ref); path.InitCheck() == B_OK)
-			paths.push_back(path.Path());
+			find.AddString("path", path.Path());
 	}
-	AddFiles(paths);
-	if (fPlaylist.CountEntries() > first
-		&& (fFollowing || fPlaylist.Info().state == PlayState::kStopped))
-		PlayOwn(first, 0);
+	fFinder.SendMessage(&find, this);
 }
 
 //! They go to the end of the list and play at once, whatever does now. The user is led here, who may have forgotten this window.
 void
 PlayerWindow::PlayFilesRqtd(const BMessage* message)
 {
-	const int32 first = fPlaylist.CountEntries();
 	int32 value;
 	SetVolumeRqtd(message);
 	if (message->FindInt32("shift", &value) == B_OK)
 		fDeck.SetShift(value);
-	std::vector<std::string> paths;
-	const char* path;
-	for (int32 i = 0; message->FindString("path", i, &path) == B_OK; i++)
-		paths.push_back(path);
-	AddFiles(paths);
-	if (fPlaylist.CountEntries() > first)
-		PlayOwn(first, message->GetInt64("start", 0));
+	BMessage find(*message);
+	find.what = kMsgFindFiles;
+	find.AddBool("at once", true);
+	fFinder.SendMessage(&find, this);
 	Activate();
 }
 
 void
-PlayerWindow::AddFiles(const std::vector<std::string>& paths)
+PlayerWindow::FilesFound(const BMessage* message)
 {
-	for (const std::string& path : paths) {
-		std::vector<std::string> files;
-		if (!collect_media_files(path, files, fEnding))
-			continue;
-		for (const std::string& file : files)
-			fPlaylist.Add(file);
-	}
 	UpdateAll();
 	be_app->PostMessage(kMsgListChanged);
+	int32 first;
+	const bool plays = fPlaylist.Info().state != PlayState::kStopped && !fFollowing;
+	if (message->FindInt32("first", &first) == B_OK
+		&& (message->GetBool("at once", false) || !plays))
+		PlayOwn(first, message->GetInt64("start", 0));
 }
 
 //! A song of the playlist, which ends following.

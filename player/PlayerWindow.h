@@ -4,9 +4,9 @@
 
 #include "Texts.h"
 
+#include <Messenger.h>
 #include <Window.h>
 
-#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,9 +27,8 @@ class PlayState;
 	quit; it closes when that does. Owner: itself. */
 class PlayerWindow : public BWindow {
 public:
-	/*!	What is dropped on it goes into `list`, the engine's; a folder that is being read is left when another thread sets `ending`. All
-		of them outlive the window. */
-	PlayerWindow(Deck& deck, PlayState& list, int32 volume, const std::atomic<bool>& ending);
+	//! What is dropped on it goes into `list`, the engine's, by `finder`, a FileFinder.
+	PlayerWindow(Deck& deck, PlayState& list, int32 volume, const BMessenger& finder);
 	~PlayerWindow() override;
 
 	void DispatchMessage(BMessage* message, BHandler* target) override;
@@ -56,7 +55,7 @@ private:
 	void MItemOpenClicked();
 	void FilesDropped(BMessage* message);
 	void PlayFilesRqtd(const BMessage* message);
-	void AddFiles(const std::vector<std::string>& paths);
+	void FilesFound(const BMessage* message);
 	void PlayOwn(int32 index, bigtime_t start);
 	void AddOnsLoaded(BMessage* message);
 	void ProblemTold(BMessage* message);
@@ -70,7 +69,7 @@ private:
 
 	Deck& fDeck;
 	PlayState& fPlaylist;
-	const std::atomic<bool>& fEnding;
+	const BMessenger fFinder;
 	BMenuBar* fMenuBar = nullptr;
 	BMenu* fFollowMenu = nullptr;
 	BMenu* fAddOnsMenu = nullptr;

@@ -1,5 +1,6 @@
 #include "QuboApp.h"
 
+#include "FileFinder.h"
 #include "LyricsExplainer.h"
 #include "LyricsWatch.h"
 #include "PlayerWindow.h"
@@ -72,7 +73,7 @@ QuboApp::ReadyToRun()
 void
 QuboApp::RefsReceived(BMessage* message)
 {
-	Window().SendMessage(message); // folders are read on its thread
+	Window().SendMessage(message);
 }
 
 void
@@ -187,7 +188,10 @@ QuboApp::MakeFollower()
 void
 QuboApp::OpenWindow()
 {
-	auto window = new PlayerWindow(fDeck, fState, fLine.volume.value_or(kFullVolume), fEnding);
+	auto finder = new FileFinder(fState, fEnding);
+	fFinder = BMessenger(finder);
+	finder->Run();
+	auto window = new PlayerWindow(fDeck, fState, fLine.volume.value_or(kFullVolume), fFinder);
 	{
 		std::lock_guard lock(fWindowLock);
 		fWindow = BMessenger(window);
@@ -535,6 +539,7 @@ QuboApp::BeginQuit()
 	if (std::exchange(fQuitting, true))
 		return;
 	fEnding = true;
+	fFinder.SendMessage(B_QUIT_REQUESTED);
 	fEngine.Stop();
 	UpdateServer();
 	if (fWatch.SendMessage(B_QUIT_REQUESTED) != B_OK)

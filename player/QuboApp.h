@@ -100,6 +100,7 @@ private:
 	PlayState fState;
 	mutable std::mutex fWindowLock; // other threads tell the window too, from before it is there
 	BMessenger fWindow;
+	BMessenger fFinder;
 	BMessenger fWatch;
 	TagReader fTags;
 	Engine fEngine; // its thread wakes the tag reader to its end

@@ -7,6 +7,8 @@
 // code                                             from -> to: fields
 constexpr uint32 kMsgPlayingChanged = 'QPch'; // engine, tag reader -> window; engine -> application
 constexpr uint32 kMsgListChanged = 'QPlc';    // window -> application
+constexpr uint32 kMsgFindFiles = 'QFfi';      // window -> file finder: see below
+constexpr uint32 kMsgFilesFound = 'QFfd';     // file finder -> window, its answer: see below
 constexpr uint32 kMsgSought = 'QPso';         // engine -> window, application
 constexpr uint32 kMsgSetVolume = 'QPvo';      // player server -> window: "volume" (int32, percent)
 constexpr uint32 kMsgProblem = 'QPpr';        // any part -> window: "text" (string)
@@ -26,6 +28,9 @@ constexpr uint32 kMsgAboutAddOn = 'QAab';       // window -> application: kAddOn
 
 constexpr uint32 kMsgFollow = 'QAfo';           // window -> application: see below
 constexpr uint32 kMsgFollowingChanged = 'QFch'; // follower -> application -> window: see below
+
+// kMsgFindFiles: "path" (string; each file or folder, absolute). Its answer has "first" (int32), the list's first new song, if any. Both
+// have "at once" (bool), whether to play them whatever does now, and "start" (int64, µs), from where.
 
 // kMsgFollow: "on" (bool); "player" (string) that alone is followed, if any; off: "play" (int32), the song of the
 // list to play then, if any, from "start" (int64, µs).

@@ -1,5 +1,6 @@
 #include "player/Deck.h"
 #include "player/Engine.h"
+#include "player/FileFinder.h"
 #include "player/PlayerWindow.h"
 #include "player/player_messages.h"
 #include "player/settings.h"
@@ -60,15 +61,18 @@ protected:
 			write_wave(fDir / name, 20);
 			fState.Add(fDir / name);
 		}
-		fWindow = new PlayerWindow(fDeck, fState, 50, fEnding);
+		fFinder->Run();
+		fWindow = new PlayerWindow(fDeck, fState, 50, BMessenger(fFinder));
 		fListener.window = BMessenger(fWindow);
 		fWindow->Show();
 	}
 
 	void TearDown() override
 	{
-		ASSERT_TRUE(fWindow->Lock());
-		fWindow->Quit();
+		for (BLooper* looper : {static_cast<BLooper*>(fWindow), static_cast<BLooper*>(fFinder)}) {
+			ASSERT_TRUE(looper->Lock());
+			looper->Quit();
+		}
 	}
 
 	void Play()
@@ -122,6 +126,7 @@ protected:
 	Engine fEngine{fState, fListener};
 	Deck fDeck{fEngine};
 	std::atomic<bool> fEnding{false};
+	FileFinder* const fFinder = new FileFinder(fState, fEnding);
 	PlayerWindow* fWindow;
 };
 
@@ -240,7 +245,11 @@ TEST_F(PlayerWindowTest, TakesWhatIsDroppedOnItAndPlaysItWhenNothingPlays)
 	ASSERT_EQ(get_ref_for_path((fDir / "more").c_str(), &ref), B_OK);
 	BMessage drop(B_SIMPLE_DATA);
 	drop.AddRef("refs", &ref);
+	ASSERT_TRUE(fFinder->Lock()); // as long as it takes to read the folder
 	BMessenger(fWindow).SendMessage(&drop);
+	settle(fWindow);
+	EXPECT_EQ(fState.CountEntries(), 3);
+	fFinder->Unlock();
 	EXPECT_TRUE(wait_until([&] { return strcmp(Info().title, "a.wav") == 0; })) << Info().title;
 	EXPECT_EQ(fState.CountEntries(), 5);
 	EXPECT_TRUE(wait_until([&] { return Line(3) == "▶ a.wav"; })) << Line(3);
