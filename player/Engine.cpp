@@ -168,7 +168,7 @@ Engine::Execute(const Command& command)
 			PauseRequested(true);
 			break;
 		case kTogglePause:
-			if (IsStopped() || fPaused)
+			if (IsStopped() || fPauseWanted)
 				ResumeRequested();
 			else
 				PauseRequested(true);
@@ -195,6 +195,8 @@ Engine::Execute(const Command& command)
 		case kStop:
 			fFade.reset();
 			fWanted = false;
+			fStopped = true;
+			fAsked = -1;
 			Withdraw();
 			if (fPlayer != nullptr)
 				fPlayer->Command({"stop", "keep-playlist"});
@@ -249,15 +251,19 @@ void
 Engine::PauseRequested(bool pause)
 {
 	EndFade();
-	if (fPlayer != nullptr)
-		fPlayer->SetFlag("pause", pause);
+	if (fPlayer == nullptr)
+		return;
+	fPlayer->SetFlag("pause", pause);
+	fPauseWanted = pause;
 }
 
 void
 Engine::StepRequested(int32 step)
 {
-	int32 current = fState.CurrentIndex();
-	if (step < 0 && !IsStopped() && fState.Position() >= kRestartTime) {
+	// From the song that is being opened: quick steps go as far as as many slow ones.
+	const bool isOpening = fAsked >= 0;
+	int32 current = isOpening ? fAsked : fState.CurrentIndex();
+	if (step < 0 && !isOpening && !IsStopped() && fState.Position() >= kRestartTime) {
 		SeekRequested(0);
 		return;
 	}
@@ -362,6 +368,7 @@ Engine::PlayNow(const Command& command)
 	fFade.reset();
 	AppendSongs();
 	fPlayer->SetFlag("pause", false);
+	fPauseWanted = false;
 	Open(command.index, command.value);
 }
 
@@ -374,6 +381,8 @@ Engine::Open(int32 index, bigtime_t position)
 	fPlayer->SetText("start", start.c_str());
 	fState.SetFailed(index, false);
 	fWanted = fPlayer->Command({"playlist-play-index", std::to_string(index).c_str()});
+	fAsked = fWanted ? index : -1;
+	fStopped = false;
 	fRestarted = fRestarted && !fWanted; // the position is soon the new song's
 	fSongEnded = false;                  // what was heard is cut off
 	fPlaced = true;

@@ -161,11 +161,14 @@ private:
 	bigtime_t fNextSample;
 	bigtime_t fLoadedStart;
 	bool fPaused = false;
-	bool fSilent = true;     // no sound output, as far as is known
-	bool fRestarted = false; // the opened file's sound is on its way
-	bool fSongEnded = false; // the song that is told is over but for what the output holds
-	bigtime_t fStart = 0;    // where the song that is wanted begins
-	bool fWanted = false;    // a song was asked for and is not opened yet
+	bool fPauseWanted = false; // what the next toggle ends; the player tells later
+	bool fStopped = false;     // on request: no end of the list
+	int32 fAsked = -1;         // the song that was asked for and has no sound yet; -1: none
+	bool fSilent = true;       // no sound output, as far as is known
+	bool fRestarted = false;   // the opened file's sound is on its way
+	bool fSongEnded = false;   // the song that is told is over but for what the output holds
+	bigtime_t fStart = 0;      // where the song that is wanted begins
+	bool fWanted = false;      // a song was asked for and is not opened yet
 	std::optional<bigtime_t> fLateSeek; // came when the player was leaving the song that is told
 	bool fPlaced = false;               // by a seek or an opening, and not heard from there yet
 	bool fOpened = false;               // a file was opened since the list was idle

@@ -78,7 +78,8 @@ Engine::FileStarted(int64_t id)
 	fRestarted = false;
 	fOpened = true;
 	fPlaced = fPlaced && fWanted;
-	fWanted = false;
+	if (fStarting >= 0) // else it is of a list of files that was given up
+		fWanted = false;
 	if (fFade == nullptr)
 		fPlayer->SetNumber("volume", fVolume); // only now is a faded song silent for good
 }
@@ -121,6 +122,8 @@ Engine::FileEnded(const mpv_event& event)
 			return;
 		case MPV_END_FILE_REASON_ERROR:
 			SongFailed(index, fPlayer->ErrorText(end.error));
+			if (index == fAsked) // it goes on to the next one by itself
+				fAsked = -1;
 			break;
 		case MPV_END_FILE_REASON_REDIRECT:
 			SongFailed(index, text(kTextReasonList));
@@ -166,10 +169,12 @@ Engine::Idle()
 		|| fWanted) // of the time before the first song, or before the one that is on its way
 		return;
 	fOpened = false;
+	fAsked = -1;
 	fLoaded.reset();
 	fNextSample = B_INFINITE_TIMEOUT;
 	fState.Stop();
-	fListener.PlayingEnded(fAnyPlayed);
+	if (!fStopped)
+		fListener.PlayingEnded(fAnyPlayed);
 	fListener.PlayingChanged();
 }
 
@@ -179,6 +184,7 @@ Engine::PropertyChanged(const mpv_event_property& property)
 	std::string name = property.name;
 	if (name == "pause" && property.format == MPV_FORMAT_FLAG) {
 		fPaused = *static_cast<int*>(property.data) != 0;
+		fPauseWanted = fPaused;
 		fState.SetPaused(fPaused);
 		fPlaced = fPlaced && fPaused;
 		Sample();
@@ -286,6 +292,7 @@ void
 Engine::BeginLoadedSong(bigtime_t position)
 {
 	fAnnounced = false;
+	fAsked = -1;
 	fState.StartSong(fLoaded->index, fLoaded->tags, position);
 	fState.Sample(position, system_time());
 	fLoaded.reset();

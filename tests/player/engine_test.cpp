@@ -225,6 +225,7 @@ TEST_F(EngineTest, DoesNotPlayAListOfFilesAsASong)
 	fEngine.Play(0);
 	ASSERT_TRUE(WaitForTitle("3.wav"));
 	ASSERT_TRUE(WaitForTitle("4.wav"));
+	EXPECT_EQ(fTold.ended, 0);
 	ASSERT_TRUE(fTold.WaitForEnd());
 	EXPECT_THAT(fTold.failed, ElementsAre(1));
 	EXPECT_EQ(fState.CurrentIndex(), 3);
@@ -349,6 +350,43 @@ TEST_F(EngineTest, GoesToTheNextAndThePreviousSong)
 	fEngine.Previous(); // well into the song: to its start
 	ASSERT_TRUE(fTold.WaitFor([&] { return fState.Info().positionMs < 1000; }));
 	EXPECT_EQ(Title(), "1.wav");
+}
+
+TEST_F(EngineTest, QuickKeysDoWhatSlowOnesDo)
+{
+	for (const char* name : {"1.wav", "2.wav", "3.wav", "4.wav"})
+		AddWave(name, 20);
+	fEngine.Play(0, false, 10 * kSecond);
+	ASSERT_TRUE(WaitForPosition(10000));
+	fEngine.Next();
+	fEngine.Next();
+	ASSERT_TRUE(WaitForTitle("3.wav"));
+	fEngine.SeekTo(8 * kSecond);
+	ASSERT_TRUE(WaitForPosition(8000));
+	fEngine.Next();
+	fEngine.Previous();
+	ASSERT_TRUE(fTold.WaitFor([&] { return fState.Info().positionMs < 4000; }));
+	ASSERT_TRUE(WaitForPosition(100));
+	EXPECT_EQ(Title(), "3.wav");
+	fEngine.TogglePause();
+	fEngine.TogglePause();
+	ASSERT_TRUE(WaitForPosition(fState.Info().positionMs + 500));
+	EXPECT_EQ(fState.Info().state, PlayState::kPlaying);
+}
+
+TEST_F(EngineTest, AStopThatIsAskedForIsNoEndOfTheList)
+{
+	AddWave("1.wav", 1);
+	for (int i = 0; i < 10; i++) {
+		fEngine.Play(0);
+		snooze(i * 8 * kMs); // before it is opened, before it is heard, and while it is
+		fEngine.Stop();
+		snooze(20 * kMs);
+	}
+	EXPECT_EQ(fTold.ended, 0);
+	fEngine.Play(0);
+	ASSERT_TRUE(fTold.WaitForEnd());
+	EXPECT_EQ(fTold.ended, 1);
 }
 
 TEST_F(EngineTest, FadesForHalfASecond)
