@@ -108,7 +108,10 @@ BApplication::Run()
 		return thread;
 	while (IsLocked())
 		Unlock();
-	resume_thread(thread);
+	if (const status_t error = resume_thread(thread); error != B_OK) {
+		LooperList::ThreadEnds(thread);
+		return error;
+	}
 	if (gMainThreadService != nullptr)
 		gMainThreadService->Run();
 	wait_for_thread(thread, NULL);
@@ -137,6 +140,7 @@ void
 BApplication::CloseQueue()
 {
 	LooperAccess::Port(this)->Close();
+	delete DetachCurrentMessage();
 	while (BMessage* message = fQueue->NextMessage())
 		delete message;
 }

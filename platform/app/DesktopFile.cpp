@@ -168,7 +168,8 @@ command_for_signature(const char* signature, const std::vector<std::string>& fil
 {
 	for (const fs::path& folder : application_folders()) {
 		std::error_code error;
-		for (fs::recursive_directory_iterator at(folder, error), end; !error && at != end;
+		const auto options = fs::directory_options::skip_permission_denied;
+		for (fs::recursive_directory_iterator at(folder, options, error), end; !error && at != end;
 			 at.increment(error)) {
 			if (at->path().extension() != ".desktop")
 				continue;

@@ -55,8 +55,8 @@ BLooper::Init(int32 portCapacity)
 {
 	fPort = MessagePort::Create(portCapacity);
 	fPort->SetLooperToken(MessengerAccess::TokenOf(this));
+	fLock->Lock(B_INFINITE_TIMEOUT); // before others can find it
 	LooperList::Add(this, fLock, fPort);
-	Lock();
 	AddHandler(this);
 	LooperList::SetName(this, Name());
 }

@@ -31,7 +31,7 @@ void
 LocalPort::GetInfo(port_info* info)
 {
 	Lock lock(fLock);
-	FetchFromSocket(fAddress.capacity);
+	FetchForReaders();
 	info->queue_count = static_cast<int32>(fItems.size());
 	info->total_count = fTotal;
 }
@@ -40,7 +40,7 @@ ssize_t
 LocalPort::Count()
 {
 	Lock lock(fLock);
-	FetchFromSocket(fAddress.capacity);
+	FetchForReaders();
 	return static_cast<ssize_t>(fItems.size());
 }
 
@@ -131,6 +131,15 @@ LocalPort::WaitForWake(const Deadline& deadline) const
 		if (ready >= 0 || errno != EINTR)
 			return ready > 0;
 	}
+}
+
+//! With the lock held. A reader on its way to sleep looks at the socket, in which it is no more.
+void
+LocalPort::FetchForReaders()
+{
+	FetchFromSocket(fAddress.capacity);
+	if (fReaders > 0 && !fItems.empty())
+		WakeReaders();
 }
 
 void

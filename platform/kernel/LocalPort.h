@@ -40,6 +40,7 @@ private:
 	status_t WaitForItem(Lock& lock, const Deadline& deadline);
 	bool WaitForWake(const Deadline& deadline) const;
 	void WakeReaders();
+	void FetchForReaders();
 	void FetchFromSocket(size_t capacity);
 
 	const PortAddress fAddress;
