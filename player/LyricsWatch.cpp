@@ -67,6 +67,11 @@ LyricsWatch::MessageReceived(BMessage* message)
 bool
 LyricsWatch::QuitRequested()
 {
+	if (!fOk) { // which is told only at the end of a song else
+		BMessage failed(kMsgWatchFinished);
+		failed.AddBool("ok", false);
+		fListener.SendMessage(&failed);
+	}
 	fListener.SendMessage(kMsgWatchGone);
 	return true;
 }

@@ -627,7 +627,7 @@ PlayerWindow::UpdatePosition()
 	SetNextPulse(info);
 	// What stays as it is does not wake the display server: while paused that is all.
 	const bool hasLength = info.lengthMs > 0;
-	const bool canSeek = hasLength && fCanSeek;
+	const bool canSeek = hasLength && fCanSeek && info.state != PlayState::kStopped;
 	if (canSeek != fPosition->IsEnabled())
 		fPosition->SetEnabled(canSeek);
 	if (!set_text(fTime, time_text(info.positionMs) + " / " + time_text(info.lengthMs)))

@@ -303,13 +303,17 @@ QuboApp::PlayFilesRqtd(BMessage* message)
 {
 	if (fQuitting)
 		return;
+	// Before it goes on, and the reply with it. Who waits no more asks again, or has played them itself.
+	if (message->IsSourceWaiting() && message->SendReply(B_REPLY) != B_OK)
+		return;
 	if (message->HasString("path")) {
 		fStarted = true; // the new files rather than the first ones
 		fMayFollow = false;
 		UpdateServer();
 	}
-	if (message->IsSourceWaiting())
-		message->SendReply(B_REPLY); // before it goes on, and the reply with it
+	if (int32 volume; message->FindInt32("volume", &volume) == B_OK)
+		fEngine.SetVolume(
+			volume); // the window sets that of what plays now, which may be another player
 	if (const char* player; message->FindString("player", &player) == B_OK) {
 		SetFollowing(true);
 		fFollower->Pin(player);
@@ -358,6 +362,7 @@ QuboApp::SetFollowing(bool on)
 {
 	fMayFollow = false;
 	if (on) {
+		fStarted = true; // what was to play first does not
 		fEngine.Stop();
 		fDeck.Switch(*fFollower);
 	} else

@@ -132,9 +132,12 @@ collect_media_files(
 	const std::string& path, std::vector<std::string>& files, const std::atomic<bool>& stop)
 {
 	std::error_code error;
-	fs::path absolute = fs::absolute(path, error).lexically_normal();
-	if (error || !fs::exists(absolute, error))
+	const fs::path whole = fs::absolute(path, error);
+	if (error || !fs::exists(whole, error))
 		return false;
+	fs::path absolute = whole.lexically_normal();
+	if (!fs::equivalent(absolute, whole, error)) // ".." behind a link leads elsewhere
+		absolute = whole;
 	if (!absolute.has_filename()) // "folder/"
 		absolute = absolute.parent_path();
 	std::set<FolderId> visited;

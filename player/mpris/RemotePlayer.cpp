@@ -127,7 +127,7 @@ RemotePlayer::SeekedReceived(sd_bus_message* message)
 {
 	int64_t position;
 	if (sd_bus_message_read_basic(message, 'x', &position) > 0)
-		fListener.PlayerSeeked(*this, std::max<bigtime_t>(position, 0));
+		fListener.PlayerSeeked(*this, std::clamp<bigtime_t>(position, 0, kLongestTime));
 }
 
 // #pragma mark - commands

@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr bigtime_t kLongest = bigtime_t(1000) * std::numeric_limits<int32>::max();
-
 using Value = std::variant<std::monostate, bool, double, std::string>;
 
 constexpr const char* kBetweenNames = ";"; // as in files' tags
@@ -145,7 +143,7 @@ time_of(const Value& value)
 	const double* number = std::get_if<double>(&value);
 	if (number == nullptr || std::isnan(*number))
 		return std::nullopt;
-	return std::llround(std::clamp<double>(*number, 0, kLongest));
+	return std::llround(std::clamp<double>(*number, 0, kLongestTime));
 }
 
 std::optional<bool>

@@ -2,10 +2,14 @@
 
 #include "../PlayState.h"
 
+#include <limits>
 #include <optional>
 #include <string>
 
 struct sd_bus_message;
+
+//! No song is longer: what is told of times (µs) beyond it is nonsense.
+constexpr bigtime_t kLongestTime = bigtime_t(1000) * std::numeric_limits<int32>::max();
 
 /*!	What a player says about its track; what it does not say, or says as something else than it should be, is empty. */
 struct RemoteTrack {

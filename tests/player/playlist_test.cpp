@@ -205,7 +205,12 @@ TEST_F(MediaFolder, ANamedFileIsTakenWhateverItsName)
 {
 	Make("notes.txt");
 	EXPECT_THAT(Collect("/notes.txt"), ElementsAre("notes.txt"));
+	Make("b/1.ogg");
 	EXPECT_THAT(Collect("/./b/../notes.txt"), ElementsAre("notes.txt"));
+	std::filesystem::create_directories(fDir.Path() + "/c/d");
+	std::filesystem::create_directory_symlink(fDir.Path() + "/c/d", fDir.Path() + "/link");
+	Make("c/notes.txt"); // which another one of the same name does not stand for
+	EXPECT_THAT(Collect("/link/../notes.txt"), ElementsAre("link/../notes.txt"));
 	std::vector<std::string> files;
 	EXPECT_FALSE(collect_media_files(fDir.Path() + "/nowhere.ogg", files, fStop));
 	EXPECT_TRUE(files.empty());
