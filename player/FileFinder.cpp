@@ -28,8 +28,8 @@ void
 FileFinder::FindFilesRqtd(BMessage* message)
 {
 	const int32 first = fList.CountEntries();
-	AddFiles(*message);
 	BMessage found(kMsgFilesFound);
+	AddFiles(*message, found);
 	if (fList.CountEntries() > first)
 		found.AddInt32("first", first);
 	found.AddBool("at once", message->GetBool("at once", false));
@@ -38,13 +38,13 @@ FileFinder::FindFilesRqtd(BMessage* message)
 }
 
 void
-FileFinder::AddFiles(const BMessage& message)
+FileFinder::AddFiles(const BMessage& message, BMessage& found)
 {
 	const char* path;
 	for (int32 i = 0; message.FindString("path", i, &path) == B_OK; i++) {
 		std::vector<std::string> files;
 		if (!collect_media_files(path, files, fEnding))
-			continue; // it was there when the user chose it
+			found.AddString("missing", path);
 		for (const std::string& file : files)
 			fList.Add(file);
 	}

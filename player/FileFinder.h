@@ -18,7 +18,7 @@ public:
 
 private:
 	void FindFilesRqtd(BMessage* message);
-	void AddFiles(const BMessage& message);
+	void AddFiles(const BMessage& message, BMessage& found);
 
 	PlayState& fList;
 	const std::atomic<bool>& fEnding;

@@ -509,6 +509,9 @@ PlayerWindow::FilesFound(const BMessage* message)
 {
 	UpdateAll();
 	be_app->PostMessage(kMsgListChanged);
+	const char* missing;
+	for (int32 i = 0; message->FindString("missing", i, &missing) == B_OK; i++)
+		set_text(fStatus, text(kTextCannotPlay, missing, text(kTextReasonNotThere)));
 	int32 first;
 	const bool plays = fPlaylist.Info().state != PlayState::kStopped && !fFollowing;
 	if (message->FindInt32("first", &first) == B_OK

@@ -29,8 +29,9 @@ constexpr uint32 kMsgAboutAddOn = 'QAab';       // window -> application: kAddOn
 constexpr uint32 kMsgFollow = 'QAfo';           // window -> application: see below
 constexpr uint32 kMsgFollowingChanged = 'QFch'; // follower -> application -> window: see below
 
-// kMsgFindFiles: "path" (string; each file or folder, absolute). Its answer has "first" (int32), the list's first new song, if any. Both
-// have "at once" (bool), whether to play them whatever does now, and "start" (int64, µs), from where.
+// kMsgFindFiles: "path" (string; each file or folder, absolute). Its answer has "first" (int32), the list's first new song, if any, and
+// "missing" (string), each path at which there is nothing. Both have "at once" (bool), whether to play them whatever does now, and
+// "start" (int64, µs), from where.
 
 // kMsgFollow: "on" (bool); "player" (string) that alone is followed, if any; off: "play" (int32), the song of the
 // list to play then, if any, from "start" (int64, µs).

@@ -39,7 +39,7 @@ public:
 	}
 
 private:
-	Window* fWindow
-		= nullptr; // may be gone, and another window in its place: only fMessenger tells
+	// May be gone, and another window in its place: only fMessenger tells.
+	Window* fWindow = nullptr;
 	BMessenger fMessenger;
 };

@@ -254,6 +254,12 @@ TEST_F(PlayerWindowTest, TakesWhatIsDroppedOnItAndPlaysItWhenNothingPlays)
 	EXPECT_EQ(fState.CountEntries(), 5);
 	EXPECT_TRUE(wait_until([&] { return Line(3) == "▶ a.wav"; })) << Line(3);
 	EXPECT_EQ(Line(4), "b.wav");
+
+	BMessage request(kMsgPlayFiles);
+	request.AddString("path", (fDir / "gone.wav").c_str());
+	BMessenger(fWindow).SendMessage(&request);
+	EXPECT_TRUE(wait_until([&] { return Shown("Status").find("gone.wav") != std::string::npos; }))
+		<< "nobody says that it is not there";
 }
 
 //! The only window beside the player's.

@@ -293,8 +293,8 @@ TEST_F(Program, EndsWhileItWaitsForLyricsToExplain)
 {
 	Child child = Start({"--headless", "--explain", Wave("1.wav", 0.1), Wave("2.wav", 0.1)});
 	ASSERT_TRUE(child.WaitForOutput("No lyrics")) << child.errors;
-	const double before
-		= Child::Now(); // of the second song, of which nothing will be known for 5 s
+	// Now it waits for those of the second song, of which nothing will be known for five seconds.
+	const double before = Child::Now();
 	child.Kill(SIGTERM);
 	EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
 	EXPECT_LT(Child::Now() - before, 3);
