@@ -42,7 +42,8 @@ protected:
 		fView = static_cast<TTavoraDView*>(fWindow->ChildAt(0));
 		fWindow->Appear();
 		ASSERT_TRUE(wait_until([&] { return CurrentLine() == "first 0"; }));
-		ASSERT_TRUE(wait_until([&] { return !LookAt().pixels.empty(); }));
+		// the screen has it later than the window does, and shows what was drawn before it until then
+		ASSERT_TRUE(wait_until([&] { return LookAt() == Drawn(); }));
 	}
 
 	void Close()

@@ -44,10 +44,13 @@ class Screen:
         if not number:
             raise RuntimeError("Xvfb did not start")
         self.display = ":" + number
-        self.manager = subprocess.Popen(["openbox", "--sm-disable"], env={**os.environ, "DISPLAY": self.display},
-                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        wait_for(lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
-                 "the window manager took over the screen")
+        # Its property on the root window says that it is there long before it deals with every new window.
+        with tempfile.TemporaryDirectory() as folder:
+            ready = pathlib.Path(folder) / "ready"
+            self.manager = subprocess.Popen(["openbox", "--sm-disable", "--startup", f"touch {ready}"],
+                                            env={**os.environ, "DISPLAY": self.display},
+                                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            wait_for(ready.exists, "the window manager took over the screen")
 
     def close(self):
         for process in (self.manager, self.server):
