@@ -165,12 +165,14 @@ SessionInstance::Start(Answer answer)
 void
 SessionInstance::Stop()
 {
+	fStopping = true;
 	if (fPort >= 0)
-		delete_port(fPort); // wakes the thread
+		close_port(fPort); // wakes the thread, which answers what has come until then
 	status_t result;
 	if (fThread >= 0)
 		wait_for_thread(std::exchange(fThread, -1), &result);
-	fPort = -1;
+	if (fPort >= 0)
+		delete_port(std::exchange(fPort, -1));
 }
 
 status_t
@@ -190,7 +192,7 @@ SessionInstance::Run()
 		// who has given up has played it itself
 		if (reader.Unflatten(request) != B_OK || request.GetInt64(kEndField, 0) < system_time())
 			continue;
-		if (!fAnswer(request, reply))
+		if (fStopping || !fAnswer(request, reply))
 			reply = BMessage(kNotNow);
 		const port_id replyPort = find_port(reply_port_name(reader.Sender()).c_str());
 		if (replyPort >= 0) // else it has given up

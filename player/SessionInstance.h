@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <string>
 
@@ -32,7 +33,7 @@ public:
 	bool Send(const BMessage& request, BMessage& reply);
 	//! For the first one: from now on requests are answered, also those that have come already.
 	void Start(Answer answer);
-	//! Waits for the answer that is under way.
+	//! Waits for the answer that is under way; whoever else has asked is told to look again.
 	void Stop();
 
 private:
@@ -48,4 +49,5 @@ private:
 	port_id fPort = -1;
 	thread_id fThread = -1;
 	Answer fAnswer;
+	std::atomic<bool> fStopping = false;
 };
