@@ -147,11 +147,13 @@ NodeMonitorThread::_Run()
 {
 	alignas(inotify_event) char buffer[65536];
 	while (_Wait()) {
+		// before the read: the other half of a move that is due by now is among what it brings
+		const bigtime_t now = system_time();
 		size_t size = _Read(buffer, sizeof(buffer));
 		{
 			std::lock_guard lock(fLock);
 			_Handle(buffer, size);
-			fTranslator->HandleTime(system_time());
+			fTranslator->HandleTime(now);
 			fOutbox.Add(fTranslator->TakeDeliveries());
 		}
 		for (const BMessenger& target : fOutbox.Deliver())

@@ -8,6 +8,7 @@
 #include "interface/ViewData.h"
 #include "interface/WindowData.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QTest>
 #include <Window.h>
@@ -54,12 +55,16 @@ count_frames(const BWindow* window)
 }
 
 /*!	Waits until the window's looper has dealt with all that is in its queue, and drawn. What the window system has to tell of an order
-	comes only in the server's next turn but one. */
+	comes only in the server's next turn but one; the turns are made here, since one of the server's own may run several calls. */
 inline void
 settle(BWindow* window)
 {
-	for (int turn = 0; turn < 3; turn++)
-		on_server(window, [](BPrivate::ServerWindow&) { return true; });
+	for (int turn = 0; turn < 3; turn++) {
+		on_server(window, [](BPrivate::ServerWindow&) {
+			QCoreApplication::processEvents();
+			return true;
+		});
+	}
 	BMessage question(B_GET_SUPPORTED_SUITES);
 	BMessage answer;
 	BMessenger(window).SendMessage(&question, &answer);

@@ -4,6 +4,7 @@
 #include <DataIO.h>
 #include <Entry.h>
 #include <algorithm>
+#include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string.h>
@@ -479,11 +480,11 @@ TEST(DamagedMessages, AnnouncedSizesAreNotAllocatedInAdvance)
 	Bytes bytes = read_file(kFolder + "messages/preferences.hmf1");
 	const uint32 announced = 400 * 1024 * 1024;
 	memcpy(&bytes[36], &announced, sizeof(announced));
-	const bigtime_t start = system_time();
+	const clock_t start = clock();
 	for (int i = 0; i < 200; i++) {
 		BMessage message;
 		EXPECT_EQ(read(message, bytes), B_BAD_VALUE);
 	}
 	// 200 times 400 MB would take minutes
-	EXPECT_LT(system_time() - start, 5000000);
+	EXPECT_LT(clock() - start, 5 * CLOCKS_PER_SEC);
 }

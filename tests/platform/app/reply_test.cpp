@@ -122,12 +122,13 @@ TEST(Reply, IsNoReplyForWhatStillWaitsWhenTheLooperQuits)
 TEST(Reply, TimesOut)
 {
 	Watchdog watchdog("time-outs");
-	std::atomic<bool> go{false};
+	std::atomic<bool> taken{false}, go{false};
 	std::atomic<status_t> late{1};
 	TestLooper* looper = new TestLooper(
 		[&](TestLooper*, BMessage* message) {
 			if (message->what == kAnswer)
 				return;
+			taken = true;
 			while (!go)
 				snooze(100);
 			late = message->SendReply(kAnswer);
@@ -141,7 +142,8 @@ TEST(Reply, TimesOut)
 	EXPECT_GE(system_time() - start, 20000);
 	EXPECT_EQ(reply.what, 7u);
 
-	// the queue has one place
+	// the queue has one place, which the question has left
+	EXPECT_TRUE(happens([&] { return taken.load(); }));
 	EXPECT_EQ(looper->PostMessage(kAnswer), B_OK);
 	EXPECT_EQ(looper->PostMessage(kAnswer), B_WOULD_BLOCK);
 	BMessage more(kAnswer);

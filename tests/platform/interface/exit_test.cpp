@@ -34,13 +34,15 @@ run_probe(const char* mode)
 		ADD_FAILURE() << "cannot run " << program;
 		return end;
 	}
+	const auto seconds = [begin] {
+		return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+	};
 	while (waitpid(child, &end.status, WNOHANG) == 0) {
 		usleep(2000);
-		end.seconds
-			= std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-		if (end.seconds > 30)
+		if (seconds() > 30)
 			kill(child, SIGKILL);
 	}
+	end.seconds = seconds();
 	end.saved = folder.Read("saved");
 	return end;
 }

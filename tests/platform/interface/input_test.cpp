@@ -7,6 +7,7 @@
 #include <Entry.h>
 #include <Message.h>
 #include <Path.h>
+#include <QApplication>
 #include <QCheckBox>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -138,6 +139,8 @@ TEST(Input, ClicksReachTheViewUnderThePointer)
 	WindowHolder<InputWindow> window;
 	window->Show();
 	settle(window);
+	// however slow the machine is
+	ServerLink::Default().CallJob([] { QApplication::setDoubleClickInterval(60000); });
 	click(window, BPoint(120, 30));
 	EXPECT_TRUE(wait_until([&] { return window->fRight->Has("up 20,30 0 0"); }))
 		<< window->fRight->All();
@@ -173,9 +176,13 @@ TEST(Input, ABusyWindowFindsOneMoveWaiting)
 	window->Show();
 	settle(window);
 	window->Lock();
-	for (int i = 0; i < 500; i++)
-		move_pointer(window, i % 90 + 1, 50);
-	move_pointer(window, 77, 33);
+	// in one go: what waits for long is taken for lost
+	on_server(window, [](ServerWindow& server) {
+		for (int i = 0; i < 500; i++)
+			QTest::mouseMove(server.windowHandle(), QPoint(i % 90 + 1, 50));
+		QTest::mouseMove(server.windowHandle(), QPoint(77, 33));
+		return true;
+	});
 	window->Unlock();
 	EXPECT_TRUE(wait_until([&] {
 		std::string log = window->fLeft->All();

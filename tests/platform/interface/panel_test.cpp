@@ -11,6 +11,7 @@
 #include <Path.h>
 #include <QAccessible>
 #include <QDialogButtonBox>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
@@ -152,6 +153,8 @@ protected:
 	void Select(std::set<std::string> names)
 	{
 		OnDialog([=](ServerFilePanel& dialog) {
+			// what was listed is put in order some turns later, unless it is asked for
+			dialog.findChild<QFileSystemModel*>()->sort(0);
 			auto* list = dialog.findChild<QListView*>("listView");
 			for (int i = 0; i < list->model()->rowCount(list->rootIndex()); i++) {
 				const QModelIndex row = list->model()->index(i, 0, list->rootIndex());

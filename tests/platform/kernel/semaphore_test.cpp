@@ -4,9 +4,13 @@
 #include <OS.h>
 
 #include <atomic>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <limits>
 #include <set>
+#include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 static void
@@ -32,6 +36,17 @@ wait_for_count(sem_id sem, int32 wanted)
 {
 	while (count_of(sem) != wanted)
 		std::this_thread::yield();
+}
+
+//! By the system's number of a thread that does nothing any more but wait.
+static void
+wait_until_asleep(pid_t thread)
+{
+	const std::string path = "/proc/self/task/" + std::to_string(thread) + "/stat";
+	for (char state = 0; state != 'S'; std::this_thread::yield()) {
+		std::ifstream stat(path); // "NUMBER (NAME) STATE ..."
+		stat.ignore(std::numeric_limits<std::streamsize>::max(), ')') >> state;
+	}
 }
 
 TEST(Semaphore, RefusesBadArguments)
@@ -235,17 +250,19 @@ TEST(Locker, TellsWhyItIsNotLocked)
 	const Watchdog watchdog("a thread waits for a locker that is gone");
 	auto locker = std::make_unique<BLocker>();
 	ASSERT_TRUE(locker->Lock());
-	std::atomic<bool> waits = false;
+	std::atomic<pid_t> waits = 0;
 	std::thread other([&, raw = locker.get()] {
 		EXPECT_EQ(raw->LockWithTimeout(0), B_WOULD_BLOCK);
 		EXPECT_EQ(raw->LockWithTimeout(1000), B_TIMED_OUT);
 		raw->Unlock(); // not the owner
 		EXPECT_FALSE(raw->IsLocked());
-		waits = true;
+		waits = gettid();
 		EXPECT_FALSE(raw->Lock());
 	});
-	while (!waits)
+	while (waits == 0)
 		std::this_thread::yield();
+	// its end wakes who waits; who comes after it has no locker to ask
+	wait_until_asleep(waits);
 	locker.reset();
 	other.join();
 }
