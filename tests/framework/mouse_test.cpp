@@ -57,17 +57,18 @@ protected:
 		fWindow->AddChild(fView);
 		fWindow->Show();
 		settle(fWindow);
-		get_click_speed(&fSpeed);
 	}
 
 	// p press, P press with the right button, s press with Shift, r and R release, one letter a place from 0 to 9 in 10 pixels,
 	// t a tremble of 2 pixels, w a wait that is longer than a double click, h one longer than a long press
 	void Do(const char* input)
 	{
+		fSpeed = strpbrk(input, "wh") != nullptr ? kWaitedSpeed : kUnmissedSpeed;
+		set_click_speed(fWindow, fSpeed);
 		BPoint where(50, 50);
 		for (const char* step = input; *step != '\0'; step++) {
 			if (*step == 'w' || *step == 'h')
-				WaitFor(*step == 'w' ? 5 * fSpeed / 4 : 9 * fSpeed / 4);
+				WaitFor(std::chrono::milliseconds(*step == 'w' ? 5 * fSpeed / 4 : 9 * fSpeed / 4));
 			else
 				Send(*step, &where);
 		}
@@ -79,10 +80,14 @@ protected:
 	RecordingView* View() { return fView; }
 
 private:
-	// The time of the user is what is tested here.
-	static void WaitFor(bigtime_t time)
+	static constexpr int kWaitedSpeed = 1000; // ms
+	static constexpr int kUnmissedSpeed = 60000;
+
+	// The time of the user is what is tested here. What has become due by then is dealt with.
+	void WaitFor(std::chrono::milliseconds time)
 	{
-		std::this_thread::sleep_for(std::chrono::microseconds(time));
+		std::this_thread::sleep_for(time);
+		settle(fWindow);
 	}
 
 	void Send(char step, BPoint* where)
@@ -110,7 +115,7 @@ private:
 
 	WindowHolder<> fWindow;
 	RecordingView* const fView;
-	bigtime_t fSpeed = 0;
+	int fSpeed = 0; // ms
 };
 
 struct Case {

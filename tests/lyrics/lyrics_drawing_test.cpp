@@ -1,5 +1,6 @@
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <set>
 
 #include <Bitmap.h>
@@ -23,6 +24,15 @@ uint32
 pixel_of(rgb_color color)
 {
 	return color.red << 16 | color.green << 8 | color.blue;
+}
+
+//! That this thread has had the processor, µs: what others do meanwhile does not count.
+bigtime_t
+worked_time()
+{
+	timespec time;
+	clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+	return time.tv_sec * 1000000LL + time.tv_nsec / 1000;
 }
 
 /*!	The view in a bitmap, drawn by the test itself. */
@@ -482,9 +492,9 @@ TEST_F(DrawingTest, LongAndStrangeTextIsDrawnInNoTime)
 			const size_t bracket = text.find(']');
 			ASSERT_EQ(bracket, std::string::npos);
 			PlayTo(name, 1000, text);
-			const bigtime_t start = system_time();
+			const bigtime_t start = worked_time();
 			Draw();
-			EXPECT_LT(system_time() - start, 2000000);
+			EXPECT_LT(worked_time() - start, 2000000);
 		}
 	}
 }

@@ -220,7 +220,8 @@ protected:
 	static void Tick(int count)
 	{
 		const int32 before = host().CountOf(kQuboInfo);
-		ASSERT_TRUE(wait_until([&] { return host().CountOf(kQuboInfo) >= before + count; }));
+		ASSERT_TRUE(wait_until(
+			[&] { return host().CountOf(kQuboInfo) >= before + count; }, std::chrono::seconds(60)));
 	}
 
 	Manager* fManager = new Manager;
@@ -407,6 +408,7 @@ TEST_F(MenuTest, TheMenuKeyOpensItAndTheLyricsGoOn)
 
 TEST_F(MenuTest, ADoubleClickAsksForThePreferences)
 {
+	set_click_speed(fWindow, 60000); // which a busy machine does not miss
 	click(fWindow, BPoint(20, 20));
 	click(fWindow, BPoint(200, 90));
 	settle(fWindow);

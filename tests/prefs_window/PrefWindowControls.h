@@ -56,6 +56,9 @@ public:
 	{
 		Activate();
 		on_widget<QLineEdit>(control->TextView(), [text, isLeft](QLineEdit& edit) {
+			// in this very turn: a late change of the active window may have come since
+			if (!edit.isActiveWindow())
+				QApplication::setActiveWindow(edit.window());
 			edit.setFocus();
 			edit.selectAll();
 			QTest::keyClick(&edit, Qt::Key_Delete);
@@ -97,26 +100,32 @@ public:
 		ASSERT_TRUE(isOpen) << "the menu did not open";
 	}
 
+	/*!	Opens the menu and calls a function with it on the server's thread. A late change of the active window closes a menu: then it is
+		opened again. */
+	template<typename Function> void InMenu(const BMenuField* field, Function function)
+	{
+		bool isDone = false;
+		for (int i = 0; !isDone && i < 5; i++) {
+			OpenMenu(field);
+			isDone = *BPrivate::ServerLink::Default().Call([&function] {
+				auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+				if (menu != nullptr)
+					function(*menu);
+				return menu != nullptr;
+			});
+		}
+		ASSERT_TRUE(isDone) << "the menu does not stay open";
+		Settle();
+	}
+
 	//! Opens the menu and chooses its item; separators count.
 	void Choose(const BMenuField* field, int index)
 	{
-		const auto choose = [index] {
-			return *BPrivate::ServerLink::Default().Call([index] {
-				auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-				if (menu == nullptr || index >= menu->actions().size())
-					return false;
-				menu->setActiveAction(menu->actions()[index]);
-				QTest::keyClick(menu, Qt::Key_Return);
-				return true;
-			});
-		};
-		bool isChosen = false;
-		for (int i = 0; !isChosen && i < 5; i++) { // a late change of the active window closes it
-			OpenMenu(field);
-			isChosen = choose();
-		}
-		EXPECT_TRUE(isChosen) << "no item of that index";
-		Settle();
+		InMenu(field, [index](QMenu& menu) {
+			ASSERT_LT(index, menu.actions().size());
+			menu.setActiveAction(menu.actions()[index]);
+			QTest::keyClick(&menu, Qt::Key_Return);
+		});
 	}
 
 	//! Shows the page with the control, and answers it.

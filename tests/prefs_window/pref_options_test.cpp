@@ -46,26 +46,20 @@ protected:
 	//! What the sub-menu at that place of the option menu says, joined by semicolons; chooses `label`, if there is one.
 	std::string ChooseBelow(int index, const char* label)
 	{
-		OpenMenu(fOption);
-		const QString says = *BPrivate::ServerLink::Default().Call([=]() -> QString {
-			auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-			if (menu == nullptr)
-				return {};
-			QStringList labels;
+		QStringList labels;
+		InMenu(fOption, [&](QMenu& menu) {
 			QAction* chosen = nullptr;
-			const QList<QAction*> actions = menu->actions()[index]->menu()->actions();
+			const QList<QAction*> actions = menu.actions()[index]->menu()->actions();
 			for (QAction* action : actions) {
 				labels << action->text();
 				if (action->text() == label && action->isEnabled())
 					chosen = action;
 			}
-			menu->close();
+			menu.close();
 			if (chosen != nullptr)
 				chosen->trigger();
-			return labels.join(';');
 		});
-		Settle();
-		return says.toStdString();
+		return labels.join(';').toStdString();
 	}
 
 	// Boxes

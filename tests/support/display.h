@@ -8,6 +8,8 @@
 #include "interface/ViewData.h"
 #include "interface/WindowData.h"
 
+#include <InterfaceDefs.h>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QImage>
 #include <QTest>
@@ -83,6 +85,22 @@ click(BWindow* window, BPoint where, Qt::MouseButton button = Qt::LeftButton,
 		QTest::mouseClick(server.windowHandle(), button, modifiers, QPoint(where.x, where.y));
 		return true;
 	});
+}
+
+//! The desktop's time for a double click, ms: one that no busy machine misses, or one that a test can wait for.
+inline void
+set_click_speed(const BWindow* window, int speed)
+{
+	on_server(window, [speed](BPrivate::ServerWindow&) {
+		QApplication::setDoubleClickInterval(speed);
+		// upon which the desktop's settings are read anew
+		QEvent changed(QEvent::ApplicationPaletteChange);
+		QCoreApplication::sendEvent(qApp, &changed);
+		return true;
+	});
+	bigtime_t told = 0;
+	EXPECT_EQ(get_click_speed(&told), B_OK);
+	EXPECT_EQ(told, speed * 1000);
 }
 
 inline void
