@@ -106,9 +106,18 @@ TEST(BusThread, EndsWhateverTheBusDoes)
 TEST(BusThread, KeepsTheOrderOfJobsAndDeadlines)
 {
 	std::vector<int> order;
+	std::atomic<bool> isHeld = false;
+	std::atomic<bool> arePosted = false;
 	std::atomic<bool> done = false;
 	{
 		BusThread bus("nonsense");
+		// until both jobs are there: the deadlines of the first may come before this thread posts the second
+		bus.Post([&] {
+			isHeld = true;
+			while (!arePosted)
+				snooze(1000);
+		});
+		EXPECT_TRUE(wait_until([&] { return isHeld.load(); }));
 		bus.Post([&] {
 			const bigtime_t now = system_time();
 			bus.CallAt(now + 20000, [&] { order.push_back(4); });
@@ -123,6 +132,7 @@ TEST(BusThread, KeepsTheOrderOfJobsAndDeadlines)
 			order.push_back(1);
 		});
 		bus.Post([&] { order.push_back(2); });
+		arePosted = true;
 		EXPECT_TRUE(wait_until([&] { return done.load(); }));
 		bus.Post([&] { order.push_back(6); }); // still done
 	}

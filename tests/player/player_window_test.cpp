@@ -26,9 +26,12 @@
 #include <StringItem.h>
 #include <StringView.h>
 
+#include <algorithm>
 #include <atomic>
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -162,7 +165,13 @@ TEST_F(PlayerWindowTest, ObeysTheKeysOfAPlayer)
 
 TEST_F(PlayerWindowTest, ItsTimeComesWithTheSecondAndWithASeek)
 {
-	const bigtime_t kLate = 700000; // a look every second would be later now and then
+	const bigtime_t kLate
+		= 350000; // a look every second would mostly be later; a busy machine is it now and then
+	std::vector<bigtime_t> late;
+	const auto middle = [&late] {
+		std::sort(late.begin(), late.end());
+		return late[late.size() / 2];
+	};
 	const auto shows = [&](int32 second) {
 		const std::string digits = std::to_string(second);
 		return Shown("Time").starts_with((second < 10 ? "0:0" : "0:") + digits);
@@ -170,19 +179,23 @@ TEST_F(PlayerWindowTest, ItsTimeComesWithTheSecondAndWithASeek)
 	Play();
 	for (const int32 second : {1, 2, 3}) {
 		ASSERT_TRUE(wait_until([&] { return shows(second); })) << Shown("Time");
-		EXPECT_LT(Info().positionMs, second * 1000 + kLate / 1000);
+		late.push_back((Info().positionMs - second * 1000) * bigtime_t(1000));
 	}
+	EXPECT_LT(middle(), kLate);
+	late.clear();
 	type_key(fWindow, Qt::Key_Space);
 	ASSERT_TRUE(wait_until([&] { return Info().state == PlayState::kPaused; }));
-	for (int i = 0; i < 2; i++) {
+	for (const Qt::Key key :
+		{Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_Right, Qt::Key_Left}) {
 		settle(fWindow);
 		const int32 before = Info().positionMs;
-		type_key(fWindow, Qt::Key_Right);
-		ASSERT_TRUE(wait_until([&] { return Info().positionMs > before + 4000; }));
+		type_key(fWindow, key);
+		ASSERT_TRUE(wait_until([&] { return std::abs(Info().positionMs - before) > 4000; }));
 		const bigtime_t start = system_time();
 		ASSERT_TRUE(wait_until([&] { return shows(Info().positionMs / 1000); })) << Shown("Time");
-		EXPECT_LT(system_time() - start, kLate);
+		late.push_back(system_time() - start);
 	}
+	EXPECT_LT(middle(), kLate);
 }
 
 TEST_F(PlayerWindowTest, PlusAndMinusMoveTheLyricsAndItIsKept)

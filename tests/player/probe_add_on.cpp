@@ -1,5 +1,5 @@
 /*!	An add-on that tries out its host: it notes in the file that $ADD_ON_LOG names what the front-end protocol answers, and has a
-	window with a view that passes for the lyrics view: a new line every 500 ms of the song. */
+	window with a view that passes for the lyrics view: a new line every 500 ms of the song, noted in the same file's ".lines". */
 
 #include "host/GeneralPlugin.h"
 #include "host/Qubo_FrontEnd.h"
@@ -81,6 +81,9 @@ private:
 		if (line == fLine)
 			return;
 		fLine = line;
+		if (line >= 0)
+			std::ofstream(std::string(getenv("ADD_ON_LOG")) + ".lines", std::ios::app)
+				<< line << '\n';
 		BMessage notice('CLch');
 		notice.AddString("CurrentLine", LineText().c_str());
 		notice.AddInt32("Index", line);

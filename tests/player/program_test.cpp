@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <random>
 #include <sstream>
 
@@ -207,6 +208,7 @@ TEST_F(Program, PrintsEachLineWithItsTime)
 	EXPECT_EQ(child.WaitForExit(), 0) << child.errors;
 	std::istringstream lines(child.output);
 	std::vector<int> numbers;
+	std::vector<int> late; // ms
 	for (std::string line; std::getline(lines, line);) {
 		int minutes;
 		int seconds;
@@ -221,12 +223,18 @@ TEST_F(Program, PrintsEachLineWithItsTime)
 		numbers.push_back(number);
 		if (numbers.back() > 0) { // the view looks every 10 ms
 			EXPECT_GE(ms, numbers.back() * 500) << line;
-			EXPECT_LE(ms, numbers.back() * 500 + 300) << line;
+			late.push_back(ms - numbers.back() * 500);
 		}
 	}
-	ASSERT_GE(numbers.size(), 5u) << child.output;
-	for (size_t i = 1; i < numbers.size(); i++)
-		EXPECT_EQ(numbers[i], numbers[i - 1] + 1);
+	ASSERT_GE(late.size(), 3u) << child.output;
+	std::sort(late.begin(), late.end());
+	EXPECT_LE(late[late.size() / 2], 300)
+		<< child.output; // a busy machine may be slow, but not always
+	// each that the view has shown since it was found, and no other
+	std::ifstream noted(Path("log.lines"));
+	const std::vector<int> shown{std::istream_iterator<int>(noted), {}};
+	EXPECT_NE(std::search(shown.begin(), shown.end(), numbers.begin(), numbers.end()), shown.end())
+		<< child.output;
 }
 
 TEST_F(Program, ShiftsThePositionWithinTheSong)

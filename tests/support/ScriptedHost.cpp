@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/QuboProtocol.h"
-
 ScriptedHost&
 host()
 {
@@ -79,7 +77,7 @@ ScriptedHost::EmptyPlaylistAtCount(int32 question)
 }
 
 void
-ScriptedHost::Play(std::string_view title, int32 positionMs)
+ScriptedHost::Play(std::string_view title, int32 positionMs, size_t infoSize)
 {
 	QuboInfo info{};
 	info.state = title.empty() ? 0 : 1;
@@ -87,13 +85,7 @@ ScriptedHost::Play(std::string_view title, int32 positionMs)
 	memcpy(info.title, title.data(), std::min(title.size(), sizeof(info.title)));
 	std::lock_guard locker(fLock);
 	fInfo.assign(reinterpret_cast<const char*>(&info), sizeof(info));
-}
-
-void
-ScriptedHost::SetInfoSize(size_t size)
-{
-	std::lock_guard locker(fLock);
-	fInfo.resize(size, 'X');
+	fInfo.resize(infoSize, 'X');
 }
 
 void

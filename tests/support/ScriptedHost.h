@@ -9,6 +9,8 @@
 #include <Application.h>
 #include <Message.h>
 
+#include "host/QuboProtocol.h"
+
 /*!	A host that answers the front-end protocol as a test says. It is the test program's application (host_main.cpp).
 	Thread: messages on its own looper; the rest from the test's thread, with a lock inside. */
 class ScriptedHost : public BApplication {
@@ -30,9 +32,8 @@ public:
 	void SetCount(int32 count);
 	//! At the given question about the number of entries, counted from 1, the playlist becomes empty.
 	void EmptyPlaylistAtCount(int32 question);
-	void Play(std::string_view title, int32 positionMs);
-	//! The playing song's information is sent in a block of this many bytes; 0: the field is left out.
-	void SetInfoSize(size_t size);
+	//! Its information is sent in a block of `infoSize` bytes; 0: the field is left out.
+	void Play(std::string_view title, int32 positionMs, size_t infoSize = sizeof(QuboInfo));
 
 	//! Whether greetings, and requests for information, are answered at all.
 	void SetAnswersHello(bool answers);

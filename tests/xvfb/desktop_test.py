@@ -41,6 +41,12 @@ class DesktopTest(ScreenTest):
         self.screen.run("xdotool", "windowmove", window, str(left), str(top))
         self.settle()
 
+    def lead(self, left, top):
+        """Moves the player's window, and waits until the lyrics have followed at their distance."""
+        offset = self.offset()
+        self.move(self.host, left, top)
+        wait_for(lambda: self.offset() == offset, f"the offset was {offset} again")
+
     def drag(self, start, *steps):
         """With the left button, in small steps, as a hand does it."""
         mouse = ["mousemove", *map(str, start), "mousedown", "1"]
@@ -94,21 +100,20 @@ class Placing(DesktopTest):
         self.screen.run("xrandr", "--setmonitor", *LEFT, "screen")
         self.screen.run("xrandr", "--setmonitor", *RIGHT, "none")
         program = self.open()
-        self.move(self.host, 900, 100)  # to the right one
+        self.lead(900, 100)  # to the right one
         self.move(self.lyrics, 1200, 400)
-        place, offset = self.screen.place(self.lyrics), self.offset()
-        self.move(self.host, 100, 50)
-        self.assertEqual(self.offset(), offset, "it did not follow to the other monitor")
+        offset = self.offset()
+        self.lead(100, 50)  # to the other monitor
         # Never off every screen, and back at its distance.
         self.move(self.host, 100, 500)
         self.assertLess(self.screen.place(self.lyrics)[1], 600)
         self.move(self.host, 900, 100)
-        self.assertEqual(self.offset(), offset)
+        wait_for(lambda: self.offset() == offset, f"the offset was {offset} again")
         self.move(self.lyrics, 1200, 400)
         place = self.screen.place(self.lyrics)
         self.assert_ended_well(program, *program.end())
         program = self.open()
-        self.assertEqual(self.screen.place(self.lyrics), place)
+        wait_for(lambda: self.screen.place(self.lyrics) == place, f"it opened again at {place}")
         self.assert_ended_well(program, *program.end())
 
         # The right one is gone: it opens beside the player, where it can be seen.

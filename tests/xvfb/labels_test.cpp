@@ -288,6 +288,8 @@ main(int argc, char** argv)
 	alarm(110);
 	TempFolder folder;
 	setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
+	// its ports too: what is chosen here is told to each of the maker's programs that run
+	setenv("XDG_RUNTIME_DIR", folder.Path().c_str(), 1);
 	setenv("QUBO_AO", "null", 1);
 	setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	setenv("LC_ALL", "C.UTF-8", 1);

@@ -92,7 +92,8 @@ class Program:
             [str(BUILD / "bin" / "qubo"), *map(str, arguments)], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
             text=True, errors="replace",
             env={**os.environ, **({"DISPLAY": screen.display} if screen else {}), "QUBO_AO": "null",
-                 "QT_QPA_PLATFORM": "xcb", "XDG_CONFIG_HOME": str(settings), **(environment or {})})
+                 "QT_QPA_PLATFORM": "xcb", "XDG_CONFIG_HOME": str(settings), "XDG_RUNTIME_DIR": str(settings),
+                 **(environment or {})})
         self.lines = []
         self.errors = []
         self.readers = [threading.Thread(target=self._read, args=pair) for pair in
@@ -135,7 +136,7 @@ class ScreenTest(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="tavora-"))
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
         self.settings = self.folder / "settings"
-        self.settings.mkdir()
+        self.settings.mkdir(mode=0o700)  # its ports are there too: what one program tells all others is for this test's only
         self.music = self.folder / "music"
         shutil.copytree(SOURCE / "demo", self.music)
         self.screen = Screen()
